@@ -1,0 +1,40 @@
+#include "core/format_table.h"
+
+#include <algorithm>
+
+namespace rastrel {
+
+namespace {
+
+/// Independent of the host's locale: extensions are ASCII.
+char UpperCase(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool EqualsInAnyCase(std::string_view text, std::string_view upper) {
+    return std::equal(text.begin(), text.end(), upper.begin(), upper.end(),
+                      [](char a, char b) { return UpperCase(a) == b; });
+}
+
+}  // namespace
+
+const FormatRow* FindFormat(int type) {
+    const auto rows = FormatTable();
+    const auto row = std::find_if(rows.begin(), rows.end(),
+                                  [type](const FormatRow& r) { return r.type == type; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
+int ImageTypeFromName(std::string_view name) {
+    const std::size_t point = name.rfind('.');
+    if (point == std::string_view::npos || point + 1 == name.size()) return kNoImageType;
+    const std::string_view extension = name.substr(point + 1);
+    for (const FormatRow& row : FormatTable()) {
+        for (const std::string_view known : row.extensions) {
+            if (EqualsInAnyCase(extension, known)) return row.type;
+        }
+    }
+    return kNoImageType;
+}
+
+}  // namespace rastrel

@@ -1,0 +1,141 @@
+#include "core/pixel_reader.h"
+
+#include <cstring>
+#include <optional>
+
+namespace rastrel {
+
+namespace {
+
+constexpr std::uint32_t kOpaque = 0xff000000u;
+
+std::uint32_t PixelWord(Color color) {
+    return kOpaque | std::uint32_t{color.red} << 16 | std::uint32_t{color.green} << 8 | color.blue;
+}
+
+/// The step from one grey to the next that makes a depth's greatest value white.
+unsigned GreyStep(int bits) {
+    return bits == 1 ? 255 : bits == 4 ? 17 : 1;
+}
+
+/// Values that a palette lacks are black.
+ValueColors ColorsOf(const RasterImage& raster) {
+    ValueColors colors;
+    const Palette* palette = raster.GetPalette();
+    for (unsigned value = 0; value < colors.size(); ++value) {
+        const auto grey = static_cast<std::uint8_t>(value * GreyStep(raster.Bits()));
+        const Color color = palette ? palette->Entry(static_cast<int>(value)).value_or(Color{})
+                                    : Color{grey, grey, grey};
+        colors[value] = PixelWord(color);
+    }
+    return colors;
+}
+
+}  // namespace
+
+PixelReader::PixelReader(const RasterImage& raster) : raster_(raster), colors_(ColorsOf(raster)) {}
+
+std::span<const std::uint8_t> PixelReader::StoredPixels(int x, int y, std::size_t count) const {
+    const auto pixel_bytes = static_cast<std::size_t>(raster_.Bits() / 8);
+    return raster_.PictureRow(y).subspan(static_cast<std::size_t>(x) * pixel_bytes,
+                                         count * pixel_bytes);
+}
+
+std::span<const std::uint8_t> PixelReader::Indices(int x, int y, std::size_t count) {
+    if (raster_.Bits() == 8) return StoredPixels(x, y, count);
+    const auto indices = Scratch(count);
+    UnpackIndices(raster_.PictureRow(y), raster_.Bits(), x, indices);
+    return indices;
+}
+
+std::span<std::uint8_t> PixelReader::Scratch(std::size_t bytes) {
+    if (scratch_.size() < bytes) scratch_.resize(bytes);
+    return std::span(scratch_).first(bytes);
+}
+
+void PixelReader::ReadValues(int x, int y, std::span<std::uint8_t> out) {
+    switch (raster_.Bits()) {
+        case 16: {
+            const auto colors = Scratch(out.size() * 3);
+            Bgr24From16(StoredPixels(x, y, out.size()), colors);
+            GreyFromBgr(colors, 3, out);
+            break;
+        }
+        case 24:
+        case 32:
+            GreyFromBgr(StoredPixels(x, y, out.size()),
+                        static_cast<std::size_t>(raster_.Bits() / 8), out);
+            break;
+        default:
+            UnpackIndices(raster_.PictureRow(y), raster_.Bits(), x, out);
+            break;
+    }
+}
+
+void PixelReader::ReadBgr(int x, int y, std::span<std::uint8_t> out) {
+    const std::size_t count = out.size() / 3;
+    switch (raster_.Bits()) {
+        case 16:
+            Bgr24From16(StoredPixels(x, y, count), out);
+            break;
+        case 24:
+            std::memcpy(out.data(), StoredPixels(x, y, count).data(), out.size());
+            break;
+        case 32:
+            Bgr24From32(StoredPixels(x, y, count), out);
+            break;
+        default:
+            ExpandTo24(Indices(x, y, count), colors_, out);
+            break;
+    }
+}
+
+void PixelReader::ReadBgra(int x, int y, std::span<std::uint8_t> out) {
+    const std::size_t count = out.size() / 4;
+    switch (raster_.Bits()) {
+        case 16: {
+            const auto colors = Scratch(count * 3);
+            Bgr24From16(StoredPixels(x, y, count), colors);
+            Bgra32From24(colors, out);
+            break;
+        }
+        case 24:
+            Bgra32From24(StoredPixels(x, y, count), out);
+            break;
+        case 32:
+            std::memcpy(out.data(), StoredPixels(x, y, count).data(), out.size());
+            break;
+        default:
+            ExpandTo32(Indices(x, y, count), colors_, out);
+            break;
+    }
+}
+
+void CopyPixels(const RasterImage& raster, int depth, Rect rect, std::uint8_t* out) {
+    if ((depth != 8 && depth != 24 && depth != 32) || !raster.HasBlock()) return;
+    const Rect inside = Clip(rect, raster.PixelSize());
+    if (inside.IsEmpty()) return;
+    const auto pixel_bytes = static_cast<std::size_t>(depth / 8);
+    const std::size_t out_row_bytes = static_cast<std::size_t>(rect.width) * pixel_bytes;
+    const std::size_t left_bytes =
+        static_cast<std::size_t>(std::int64_t{inside.x} - rect.x) * pixel_bytes;
+    const std::size_t run_bytes = static_cast<std::size_t>(inside.width) * pixel_bytes;
+    PixelReader reader(raster);
+    for (int y = inside.y; y < inside.y + inside.height; ++y) {
+        const auto row = static_cast<std::size_t>(std::int64_t{y} - rect.y);
+        const std::span run(out + row * out_row_bytes + left_bytes, run_bytes);
+        switch (depth) {
+            case 8:
+                reader.ReadValues(inside.x, y, run);
+                break;
+            case 24:
+                reader.ReadBgr(inside.x, y, run);
+                break;
+            default:
+                reader.ReadBgra(inside.x, y, run);
+                break;
+        }
+    }
+}
+
+}  // namespace rastrel

@@ -1,0 +1,179 @@
+#include "core/pixel_rows.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "core/color.h"
+
+namespace rastrel {
+
+namespace {
+
+// Groups of pixels are moved as whole machine words, lowest byte first.
+static_assert(std::endian::native == std::endian::little);
+
+constexpr std::size_t kPixelsPerByte = 8;  // of 1-bit pixels
+
+void StoreWord(std::uint64_t word, std::uint8_t* bytes) {
+    std::memcpy(bytes, &word, sizeof word);
+}
+
+/// For each byte of eight 1-bit pixels, the leftmost in its highest bit: their eight indices as a
+/// word whose lowest byte is the leftmost.
+constexpr std::array<std::uint64_t, 256> MakeUnpackedBits() {
+    std::array<std::uint64_t, 256> words = {};
+    for (std::size_t byte = 0; byte < words.size(); ++byte) {
+        for (unsigned pixel = 0; pixel < kPixelsPerByte; ++pixel)
+            words[byte] |= std::uint64_t{(byte >> (7 - pixel)) & 1} << (8 * pixel);
+    }
+    return words;
+}
+
+void UnpackBits(std::span<const std::uint8_t> row, std::size_t column,
+                std::span<std::uint8_t> out) {
+    static constexpr std::array<std::uint64_t, 256> kUnpacked = MakeUnpackedBits();
+    std::size_t done = 0;
+    const auto one_pixel = [&] {
+        out[done++] = static_cast<std::uint8_t>((row[column / 8] >> (7 - column % 8)) & 1);
+        ++column;
+    };
+    while (done < out.size() && column % kPixelsPerByte != 0)
+        one_pixel();
+    for (; out.size() - done >= kPixelsPerByte; done += kPixelsPerByte, column += kPixelsPerByte)
+        StoreWord(kUnpacked[row[column / kPixelsPerByte]], &out[done]);
+    while (done < out.size())
+        one_pixel();
+}
+
+void UnpackNibbles(std::span<const std::uint8_t> row, std::size_t column,
+                   std::span<std::uint8_t> out) {
+    for (std::uint8_t& index : out) {
+        const std::uint8_t byte = row[column / 2];
+        index = column % 2 == 0 ? byte >> 4 : byte & 15;
+        ++column;
+    }
+}
+
+void PackBits(std::span<const std::uint8_t> indices, std::span<std::uint8_t> row) {
+    std::size_t byte = 0;
+    for (; indices.size() >= kPixelsPerByte; indices = indices.subspan(kPixelsPerByte)) {
+        unsigned bits = 0;
+        for (const std::uint8_t index : indices.first(kPixelsPerByte))
+            bits = bits << 1 | (index != 0 ? 1u : 0u);
+        row[byte++] = static_cast<std::uint8_t>(bits);
+    }
+    if (indices.empty()) return;
+    unsigned bits = 0;
+    for (std::size_t i = 0; i < indices.size(); ++i) {
+        if (indices[i] != 0) bits |= 0x80u >> i;
+    }
+    row[byte] = static_cast<std::uint8_t>(bits);
+}
+
+void PackNibbles(std::span<const std::uint8_t> indices, std::span<std::uint8_t> row) {
+    for (std::size_t i = 0; i < indices.size(); i += 2) {
+        const unsigned left = indices[i] & 15u;
+        const unsigned right = i + 1 < indices.size() ? indices[i + 1] & 15u : 0;
+        row[i / 2] = static_cast<std::uint8_t>(left << 4 | right);
+    }
+}
+
+}  // namespace
+
+void UnpackIndices(std::span<const std::uint8_t> row, int bits, int first,
+                   std::span<std::uint8_t> out) {
+    const auto column = static_cast<std::size_t>(first);
+    switch (bits) {
+        case 1:
+            UnpackBits(row, column, out);
+            break;
+        case 4:
+            UnpackNibbles(row, column, out);
+            break;
+        default:
+            std::copy_n(row.begin() + first, out.size(), out.begin());
+            break;
+    }
+}
+
+void PackIndices(std::span<const std::uint8_t> indices, int bits, std::span<std::uint8_t> row) {
+    switch (bits) {
+        case 1:
+            PackBits(indices, row);
+            break;
+        case 4:
+            PackNibbles(indices, row);
+            break;
+        default:
+            std::copy(indices.begin(), indices.end(), row.begin());
+            break;
+    }
+}
+
+void ExpandTo24(std::span<const std::uint8_t> indices, const ValueColors& colors,
+                std::span<std::uint8_t> out) {
+    const std::uint8_t* in = indices.data();
+    std::uint8_t* to = out.data();
+    std::size_t left = indices.size();
+    // Eight pixels are three words. The fourth byte of a colour is shifted out or masked off.
+    for (; left >= 8; left -= 8, in += 8, to += 24) {
+        const auto color = [in, &colors](int i) -> std::uint64_t {
+            return colors[in[i]] & 0xffffffu;
+        };
+        const std::uint64_t third = color(2);
+        const std::uint64_t sixth = color(5);
+        StoreWord(color(0) | color(1) << 24 | third << 48, to);
+        StoreWord(third >> 16 | color(3) << 8 | color(4) << 32 | sixth << 56, to + 8);
+        StoreWord(sixth >> 8 | color(6) << 16 | color(7) << 40, to + 16);
+    }
+    for (; left > 0; --left, ++in, to += 3)
+        std::memcpy(to, &colors[*in], 3);
+}
+
+void Bgr24From32(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
+    const std::uint8_t* in = pixels.data();
+    std::uint8_t* to = out.data();
+    for (std::size_t left = pixels.size() / 4; left > 0; --left, in += 4, to += 3)
+        std::memcpy(to, in, 3);
+}
+
+void Bgr24From16(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
+    const std::size_t count = pixels.size() / 2;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned pixel = pixels[2 * i] | static_cast<unsigned>(pixels[2 * i + 1]) << 8;
+        for (unsigned channel = 0; channel < 3; ++channel) {
+            const unsigned level = (pixel >> (5 * channel)) & 31;
+            out[3 * i + channel] = static_cast<std::uint8_t>(level << 3 | level >> 2);
+        }
+    }
+}
+
+void ExpandTo32(std::span<const std::uint8_t> indices, const ValueColors& colors,
+                std::span<std::uint8_t> out) {
+    std::uint8_t* to = out.data();
+    for (const std::uint8_t index : indices) {
+        std::memcpy(to, &colors[index], 4);
+        to += 4;
+    }
+}
+
+void Bgra32From24(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
+    const std::uint8_t* in = pixels.data();
+    std::uint8_t* to = out.data();
+    for (std::size_t left = pixels.size() / 3; left > 0; --left, in += 3, to += 4) {
+        std::memcpy(to, in, 3);
+        to[3] = 255;
+    }
+}
+
+void GreyFromBgr(std::span<const std::uint8_t> pixels, std::size_t pixel_bytes,
+                 std::span<std::uint8_t> out) {
+    const std::uint8_t* in = pixels.data();
+    for (std::uint8_t& grey : out) {
+        grey = GreyValue({.red = in[2], .green = in[1], .blue = in[0]});
+        in += pixel_bytes;
+    }
+}
+
+}  // namespace rastrel

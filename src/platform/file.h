@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace rastrel {
+
+/// A regular file opened for reading. Others may read and write it meanwhile.
+class InputFile {
+  public:
+    /// Null when there is no such file, it is not a regular one, or it may not be read.
+    static std::unique_ptr<InputFile> Open(const std::string& path);
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+    ~InputFile();
+
+    /// Reads from the current position on; less than asked only at the end or on an error.
+    [[nodiscard]] std::size_t Read(std::span<std::uint8_t> out);
+    /// Any position from 0 up; past the end nothing can be read.
+    void Seek(std::uint64_t position) { position_ = position; }
+    [[nodiscard]] std::uint64_t Position() const { return position_; }
+    /// The length in bytes when it was opened.
+    [[nodiscard]] std::uint64_t Size() const { return size_; }
+
+  private:
+    struct Handle;
+    InputFile(std::unique_ptr<Handle> handle, std::uint64_t size);
+
+    std::unique_ptr<Handle> handle_;
+    std::uint64_t position_ = 0;
+    std::uint64_t size_ = 0;
+};
+
+/// A file being replaced: what is written goes to a new file beside the target, which takes the
+/// target's name when everything is there. Until then, and for ever if it never comes to that, the
+/// old file stays as it is. A target that is no regular file (a device) is written directly.
+class ReplacingFile {
+  public:
+    /// Null when the file cannot be created there.
+    static std::unique_ptr<ReplacingFile> Create(const std::string& path);
+    ReplacingFile(const ReplacingFile&) = delete;
+    ReplacingFile& operator=(const ReplacingFile&) = delete;
+    /// Without a Commit what was written is removed.
+    ~ReplacingFile();
+
+    [[nodiscard]] bool Write(std::span<const std::uint8_t> bytes);
+    /// Closes the file and gives it its name. Nothing can be written afterwards.
+    [[nodiscard]] bool Commit();
+
+  private:
+    struct Handle;
+    explicit ReplacingFile(std::unique_ptr<Handle> handle);
+
+    std::unique_ptr<Handle> handle_;
+};
+
+}  // namespace rastrel

@@ -1,0 +1,178 @@
+#!/usr/bin/env python3
+"""Runs the command-line host as a user would, on good input and bad.
+
+Usage: cli_test.py [EMULATOR] PROGRAM
+"""
+import os
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+COMMAND = []
+
+
+def bmp(width=3, height=2, bits=24, colors=0):
+    """A bitmap file whose every pixel byte differs from its neighbours."""
+    stride = (width * bits + 31) // 32 * 4
+    table = bytes(i * 7 % 256 for i in range(4 * colors))
+    pixels = bytes((i * 37 + 11) % 256 for i in range(stride * height))
+    offset = 54 + len(table)
+    return (struct.pack("<2sIII", b"BM", offset + len(pixels), 0, offset) +
+            struct.pack("<IiiHHIIiiII", 40, width, height, 1, bits, 0, 0, 0, 0, colors, 0) +
+            table + pixels)
+
+
+class CommandLine(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def file(self, name, data):
+        (self.folder / name).write_bytes(data)
+        return name
+
+    def run_it(self, *arguments, code=0):
+        result = subprocess.run([*COMMAND, *arguments], cwd=self.folder, capture_output=True,
+                                timeout=120)
+        out, err = (text.decode().replace("\r\n", "\n") for text in (result.stdout, result.stderr))
+        self.assertEqual(result.returncode, code, f"{arguments}\n{out}\n{err}")
+        return out, err
+
+    def names(self):
+        return sorted(entry.name for entry in self.folder.iterdir())
+
+    def test_tells_its_version_and_use(self):
+        out, _ = self.run_it("--version")
+        self.assertRegex(out, r"^rastrel \d+\.\d+\.\d+\n$")
+        out, _ = self.run_it("--help")
+        for word in ("info", "convert", "palette", "Examples:", "Exit code"):
+            self.assertIn(word, out)
+        self.run_it("convert", "--help")
+
+    def test_wrong_usage_is_code_2(self):
+        self.file("a.bmp", bmp())
+        for arguments in ([], ["paint"], ["info"], ["convert", "a.bmp"],
+                          ["convert", "--depth", "7", "a.bmp", "b.bmp"],
+                          ["convert", "--crop", "1,2,3", "a.bmp", "b.bmp"],
+                          ["convert", "--crop", "1,2,3,x", "a.bmp", "b.bmp"],
+                          ["convert", "--crop", "1,2,0,5", "a.bmp", "b.bmp"],
+                          ["convert", "--type", "webp", "a.bmp", "b.bmp"],
+                          ["convert", "a.bmp", "a.bmp", "no-folder"],
+                          ["info", "--nonsense", "a.bmp"]):
+            _, err = self.run_it(*arguments, code=2)
+            self.assertTrue(err.strip(), arguments)
+        self.assertEqual(self.names(), ["a.bmp"])
+
+    def test_info(self):
+        self.file("a.bmp", bmp(5, 4, 8, 200))
+        self.file("b.bmp", bmp(9, 2, 24))
+        out, _ = self.run_it("info", "a.bmp", "b.bmp")
+        for text in ("5 x 4 pixels", "8 bits", "200 colours", "Windows Bitmap, 8 bit.",
+                     "9 x 2 pixels", "24 bits"):
+            self.assertIn(text, out)
+
+    def test_info_of_some_bad_files_tells_of_all(self):
+        self.file("good.bmp", bmp())
+        self.file("broken.bmp", b"BM" + bytes(100))
+        os.mkdir(self.folder / "folder.bmp")
+        out, err = self.run_it("info", "broken.bmp", "missing.bmp", "folder.bmp", "good.bmp", "x",
+                               code=1)
+        self.assertIn("3 x 2 pixels", out)
+        for name in ("broken.bmp", "missing.bmp", "folder.bmp", "x"):
+            self.assertRegex(err, rf"(?m)^rastrel: {name}: .{{8,}}$")
+
+    def test_info_by_given_type(self):
+        self.file("scan.dat", bmp(7, 3, 24))
+        out, _ = self.run_it("info", "--from", "bmp", "scan.dat")
+        self.assertIn("7 x 3 pixels", out)
+
+    def test_palette(self):
+        self.file("a.bmp", bmp(4, 4, 8, 3))
+        out, _ = self.run_it("palette", "a.bmp")
+        self.assertIn("0 14 7 0\n1 42 35 28\n2 70 63 56\n", out)
+        self.file("b.bmp", bmp())
+        _, err = self.run_it("palette", "b.bmp", code=1)
+        self.assertIn("b.bmp: it has no palette", err)
+
+    def test_convert_there_and_back(self):
+        for bits, colors in ((1, 2), (4, 16), (8, 256), (24, 0), (32, 0)):
+            original = bmp(47, 33, bits, colors)
+            self.file("a.bmp", original)
+            self.run_it("convert", "a.bmp", "a.qvi")
+            self.run_it("convert", "a.qvi", "b.bmp")
+            self.run_it("convert", "a.bmp", "c.bmp")
+            back = (self.folder / "b.bmp").read_bytes()
+            offset = 54 + 4 * colors
+            self.assertEqual(back[offset:], original[offset:], bits)
+            self.assertEqual(back, (self.folder / "c.bmp").read_bytes())
+
+    def test_crop(self):
+        original = bmp(40, 30, 24)
+        self.file("a.bmp", original)
+        self.run_it("convert", "--crop", "5,6,10,7", "a.bmp", "b.bmp")
+        part = (self.folder / "b.bmp").read_bytes()
+        self.assertEqual(struct.unpack("<ii", part[18:26]), (10, 7))
+        row = original[54 + (30 - 6 - 7) * 120:][:120]  # the rectangle's bottom row
+        self.assertEqual(part[54:54 + 30], row[15:45])
+        _, err = self.run_it("convert", "--crop", "40,0,5,5", "a.bmp", "c.bmp", code=1)
+        self.assertIn("40 x 30", err)
+        self.assertNotIn("c.bmp", self.names())
+
+    def test_depths(self):
+        self.file("1.bmp", bmp(21, 9, 1, 2))
+        self.file("4.bmp", bmp(21, 9, 4, 16))
+        self.file("8.bmp", bmp(21, 9, 8, 256))
+        self.file("24.bmp", bmp(21, 9, 24))
+        self.file("32.bmp", bmp(21, 9, 32))
+        possible = {("1", 1), ("1", 8), ("1", 24), ("1", 32), ("4", 1), ("4", 8), ("4", 24),
+                    ("4", 32), ("8", 1), ("8", 8), ("8", 24), ("8", 32), ("24", 1), ("24", 24),
+                    ("24", 32), ("32", 1), ("32", 24), ("32", 32)}
+        for source in ("1", "4", "8", "24", "32"):
+            for depth in (1, 8, 24, 32):
+                works = (source, depth) in possible
+                _, err = self.run_it("convert", "--depth", str(depth), f"{source}.bmp", "out.bmp",
+                                     code=0 if works else 1)
+                if works:
+                    out = (self.folder / "out.bmp").read_bytes()
+                    self.assertEqual(struct.unpack("<H", out[28:30])[0], depth)
+                    os.remove(self.folder / "out.bmp")
+                else:
+                    self.assertIn(f"from {source} to {depth} bits", err)
+
+    def test_several_inputs_go_into_a_folder(self):
+        self.file("a.bmp", bmp())
+        self.file("b.bmp", bmp(5, 5))
+        os.mkdir(self.folder / "out")
+        self.run_it("convert", "--type", "qvi", "a.bmp", "b.bmp", "out")
+        self.assertEqual(sorted(os.listdir(self.folder / "out")), ["a.qvi", "b.qvi"])
+        self.run_it("convert", "--type", "0", "out/a.qvi", "out")
+        self.assertIn("a.bmp", os.listdir(self.folder / "out"))
+
+    def test_what_cannot_be_saved_leaves_nothing_behind(self):
+        self.file("a.bmp", bmp())
+        self.file("old.bmp", b"old")
+        for output, reason in (("no/folder/b.bmp", "no folder"), ("b.xyz", "extension"),
+                               ("b", "extension"), ("b.jpg", "jpg")):
+            _, err = self.run_it("convert", "a.bmp", output, code=1)
+            self.assertIn(reason, err)
+            self.assertIn(output, err)
+        _, err = self.run_it("convert", "missing.bmp", "old.bmp", code=1)
+        self.assertIn("missing.bmp", err)
+        self.assertEqual((self.folder / "old.bmp").read_bytes(), b"old")
+        self.assertEqual(self.names(), ["a.bmp", "old.bmp"])
+
+    def test_names_beyond_ascii(self):
+        self.file("città Übersicht 地図.bmp", bmp())
+        out, _ = self.run_it("info", "città Übersicht 地図.bmp")
+        self.assertIn("3 x 2 pixels", out)
+        self.run_it("convert", "città Übersicht 地図.bmp", "città 2.qvi")
+        self.assertIn("città 2.qvi", self.names())
+
+
+if __name__ == "__main__":
+    COMMAND[:] = [os.path.abspath(part) for part in sys.argv[1:]]
+    unittest.main(argv=sys.argv[:1])

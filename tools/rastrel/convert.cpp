@@ -1,0 +1,85 @@
+#include <fmt/format.h>
+
+#include <filesystem>
+
+#include "commands.h"
+#include "progress_line.h"
+#include "reasons.h"
+#include "types.h"
+
+namespace rastrel_cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Where one input goes: the output itself or, when that is a folder, a file in it with the input's
+/// name and the output format's extension.
+std::string OutputName(const ConvertOptions& options, const std::string& input) {
+    std::error_code error;
+    if (!fs::is_directory(options.output, error)) return options.output;
+    fs::path name = fs::path(input).filename();
+    if (options.output_type >= 0)
+        name.replace_extension(std::string(TypeName(options.output_type)));
+    return (fs::path(options.output) / name).string();
+}
+
+bool Read(const Image& image, const std::string& name, const ConvertOptions& options) {
+    if (!options.crop) return Rastrel_Read(image.Handle(), name.c_str(), options.input_type) == 1;
+    const Rectangle& crop = *options.crop;
+    return Rastrel_ReadPartial(image.Handle(), name.c_str(), options.input_type, crop.x, crop.y,
+                               crop.width, crop.height) == 1;
+}
+
+/// Why the reading of an existing image's part failed: of the part, if the whole can be read.
+std::string WhyPartNotRead(const std::string& name, const ConvertOptions& options) {
+    const Image whole;
+    if (options.crop && Rastrel_Read(whole.Handle(), name.c_str(), options.input_type) == 1)
+        return fmt::format(
+            "the rectangle lies outside the image of {} x {} pixels, or its pixels "
+            "are run-length coded",
+            Rastrel_GetWidth(whole.Handle()), Rastrel_GetHeight(whole.Handle()));
+    return WhyNotRead(name, options.input_type);
+}
+
+bool ConvertOne(const ConvertOptions& options, const std::string& input, ProgressLine& progress,
+                const std::string& count) {
+    Image image;
+    const auto fail = [&progress](const std::string& name, const std::string& reason) {
+        progress.Wipe();
+        ReportFailure(name, reason);
+        return false;
+    };
+    progress.Say(fmt::format("{}reading {}", count, input));
+    if (!Read(image, input, options)) return fail(input, WhyPartNotRead(input, options));
+    const int source_depth = Rastrel_GetDepth(image.Handle());
+    if (options.depth) {
+        progress.Say(fmt::format("{}converting {} to {} bits", count, input, *options.depth));
+        if (!image.ConvertDepth(*options.depth))
+            return fail(input, fmt::format("this version of the library cannot convert it from {} "
+                                           "to {} bits",
+                                           source_depth, *options.depth));
+    }
+    if (options.quality) Rastrel_SetQuality(image.Handle(), *options.quality);
+    const std::string output = OutputName(options, input);
+    progress.Say(fmt::format("{}saving {}", count, output));
+    if (Rastrel_Save(image.Handle(), output.c_str(), options.output_type) != 1)
+        return fail(output,
+                    WhyNotSaved(output, options.output_type, Rastrel_GetDepth(image.Handle())));
+    return true;
+}
+
+}  // namespace
+
+bool Convert(const ConvertOptions& options) {
+    ProgressLine progress;
+    bool all_well = true;
+    for (std::size_t i = 0; i < options.inputs.size(); ++i) {
+        const std::string count =
+            options.inputs.size() > 1 ? fmt::format("[{}/{}] ", i + 1, options.inputs.size()) : "";
+        all_well = ConvertOne(options, options.inputs[i], progress, count) && all_well;
+    }
+    return all_well;
+}
+
+}  // namespace rastrel_cli

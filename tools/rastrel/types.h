@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace rastrel_cli {
+
+/// The name of an image type, which is also its extension; "unknown" for others.
+[[nodiscard]] std::string_view TypeName(int type);
+/// A type's code from its name, in any case, or from the code itself as a number.
+[[nodiscard]] std::optional<int> TypeFromText(const std::string& text);
+/// The type that a file name's extension stands for.
+[[nodiscard]] std::optional<int> TypeFromFileName(const std::string& name);
+
+}  // namespace rastrel_cli
