@@ -13,7 +13,7 @@ die() {
 
 # What each part of the work needs, as Debian 12 package names.
 packages_native=(cmake ninja-build g++ pkg-config python3 googletest libgtest-dev
-    liblzo2-dev libcli11-dev libfmt-dev)
+    libhwy-dev liblzo2-dev libcli11-dev libfmt-dev)
 packages_demo=(libjpeg-turbo-progs python-matplotlib-data netpbm)
 packages_checks=(imagemagick netpbm binutils dpkg-dev)
 packages_windows=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix binutils llvm lld dpkg-dev

@@ -20,9 +20,9 @@ bool CombineChannels(RasterImage& target, const RasterImage& red, const RasterIm
     };
     std::vector<std::uint8_t> colors(static_cast<std::size_t>(red.Width()) * 3);
     for (const Channel& channel : {Channel{blue, 0}, Channel{green, 1}, Channel{red, 2}}) {
-        PixelReader reader(channel.source);
+        PixelReader reader(channel.source, PixelForm::kBgr);
         for (int y = 0; y < combined.Height(); ++y) {
-            reader.ReadBgr(0, y, colors);
+            reader.Read(0, y, colors);
             const auto row = combined.PictureRow(y);
             for (std::size_t at = channel.byte; at < colors.size(); at += 3)
                 row[at] = colors[at];

@@ -73,6 +73,23 @@ std::vector<std::uint8_t> FillPattern(const RasterImage& raster, Color color) {
     }
 }
 
+/// Rows are repeated by copying as many of them at a time: they stay in the cache meanwhile.
+constexpr std::size_t kTileBytes = std::size_t{128} << 10;
+
+/// Fills rows with copies of the first.
+void RepeatFirstRow(std::span<std::uint8_t> rows, std::size_t row_bytes) {
+    const std::size_t most = std::max(kTileBytes / row_bytes, std::size_t{1}) * row_bytes;
+    const bool streams = rows.size() >= kStreamedFrom;
+    for (std::size_t filled = row_bytes; filled < rows.size();) {
+        const auto tile = rows.first(std::min({filled, most, rows.size() - filled}));
+        if (streams && tile.size() == most)
+            StreamCopy(tile, &rows[filled]);
+        else
+            std::memcpy(&rows[filled], tile.data(), tile.size());
+        filled += tile.size();
+    }
+}
+
 }  // namespace
 
 bool ExpandToTrueColor(RasterImage& raster) {
@@ -81,10 +98,11 @@ bool ExpandToTrueColor(RasterImage& raster) {
     if (!raster.HasPlainRows()) return false;
     ConvertedImage converted(raster, 24);
     if (!converted.HasBlock()) return false;
-    PixelReader reader(raster);
     const std::size_t run_bytes = static_cast<std::size_t>(raster.Width()) * 3;
+    PixelReader reader(raster, PixelForm::kBgr,
+                       run_bytes * static_cast<std::size_t>(raster.Height()));
     for (int y = 0; y < raster.Height(); ++y)
-        reader.ReadBgr(0, y, converted.PictureRow(y).first(run_bytes));
+        reader.Read(0, y, converted.PictureRow(y).first(run_bytes));
     raster.RemovePalette();
     raster.ReplaceBlock(converted.DetachBlock(), kColorTypeColor);
     raster.SetTransparentIndex(-1);
@@ -138,12 +156,11 @@ void Fill(RasterImage& raster, Color color) {
     const std::size_t used_bits =
         static_cast<std::size_t>(raster.Bits()) * static_cast<std::size_t>(raster.Width());
     const std::size_t used_bytes = (used_bits + 7) / 8;
-    // The bottom row pixel by pixel, the others as copies of it.
     const auto first = raster.Row(0);
     for (std::size_t at = 0; at < used_bytes; ++at)
         first[at] = pattern[at % pattern.size()];
-    for (int y = 1; y < raster.Height(); ++y)
-        std::memcpy(raster.Row(y).data(), first.data(), used_bytes);
+    RepeatFirstRow({raster.Pixels(), first.size() * static_cast<std::size_t>(raster.Height())},
+                   first.size());
 }
 
 }  // namespace rastrel

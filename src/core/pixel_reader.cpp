@@ -1,5 +1,7 @@
 #include "core/pixel_reader.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <optional>
 
@@ -8,6 +10,7 @@ namespace rastrel {
 namespace {
 
 constexpr std::uint32_t kOpaque = 0xff000000u;
+constexpr std::size_t kPiecePixels = 2048;
 
 std::uint32_t PixelWord(Color color) {
     return kOpaque | std::uint32_t{color.red} << 16 | std::uint32_t{color.green} << 8 | color.blue;
@@ -22,18 +25,62 @@ unsigned GreyStep(int bits) {
 ValueColors ColorsOf(const RasterImage& raster) {
     ValueColors colors;
     const Palette* palette = raster.GetPalette();
-    for (unsigned value = 0; value < colors.size(); ++value) {
+    for (unsigned value = 0; value < colors.pixels.size(); ++value) {
         const auto grey = static_cast<std::uint8_t>(value * GreyStep(raster.Bits()));
         const Color color = palette ? palette->Entry(static_cast<int>(value)).value_or(Color{})
                                     : Color{grey, grey, grey};
-        colors[value] = PixelWord(color);
+        colors.Set(value, PixelWord(color));
     }
     return colors;
 }
 
 }  // namespace
 
-PixelReader::PixelReader(const RasterImage& raster) : raster_(raster), colors_(ColorsOf(raster)) {}
+PixelReader::PixelReader(const RasterImage& raster, PixelForm form, std::size_t total_bytes)
+    : raster_(raster),
+      form_(form),
+      streams_(total_bytes >= kStreamedFrom),
+      colors_(ColorsOf(raster)) {}
+
+void PixelReader::Read(int x, int y, std::span<std::uint8_t> out) {
+    if (!streams_) {
+        ReadCached(x, y, out);
+        return;
+    }
+    const auto pixel_bytes = static_cast<std::size_t>(form_);
+    if (IsStoredForm()) {
+        StreamCopy(StoredPixels(x, y, out.size() / pixel_bytes), out.data());
+        return;
+    }
+    // Pieces that stay in the nearest cache between being made and being copied past it.
+    alignas(64) std::array<std::uint8_t, kPiecePixels * 4> piece;
+    while (!out.empty()) {
+        const std::size_t bytes = std::min(out.size(), kPiecePixels * pixel_bytes);
+        const auto made = std::span(piece).first(bytes);
+        ReadCached(x, y, made);
+        StreamCopy(made, out.data());
+        out = out.subspan(bytes);
+        x += static_cast<int>(kPiecePixels);
+    }
+}
+
+void PixelReader::ReadCached(int x, int y, std::span<std::uint8_t> out) {
+    switch (form_) {
+        case PixelForm::kValues:
+            ReadValues(x, y, out);
+            break;
+        case PixelForm::kBgr:
+            ReadBgr(x, y, out);
+            break;
+        case PixelForm::kBgra:
+            ReadBgra(x, y, out);
+            break;
+    }
+}
+
+bool PixelReader::IsStoredForm() const {
+    return raster_.Bits() == 8 * static_cast<int>(form_);
+}
 
 std::span<const std::uint8_t> PixelReader::StoredPixels(int x, int y, std::size_t count) const {
     const auto pixel_bytes = static_cast<std::size_t>(raster_.Bits() / 8);
@@ -120,21 +167,11 @@ void CopyPixels(const RasterImage& raster, int depth, Rect rect, std::uint8_t* o
     const std::size_t left_bytes =
         static_cast<std::size_t>(std::int64_t{inside.x} - rect.x) * pixel_bytes;
     const std::size_t run_bytes = static_cast<std::size_t>(inside.width) * pixel_bytes;
-    PixelReader reader(raster);
+    PixelReader reader(raster, static_cast<PixelForm>(pixel_bytes),
+                       run_bytes * static_cast<std::size_t>(inside.height));
     for (int y = inside.y; y < inside.y + inside.height; ++y) {
         const auto row = static_cast<std::size_t>(std::int64_t{y} - rect.y);
-        const std::span run(out + row * out_row_bytes + left_bytes, run_bytes);
-        switch (depth) {
-            case 8:
-                reader.ReadValues(inside.x, y, run);
-                break;
-            case 24:
-                reader.ReadBgr(inside.x, y, run);
-                break;
-            default:
-                reader.ReadBgra(inside.x, y, run);
-                break;
-        }
+        reader.Read(inside.x, y, {out + row * out_row_bytes + left_bytes, run_bytes});
     }
 }
 

@@ -4,7 +4,8 @@
 #include <bit>
 #include <cstring>
 
-#include "core/color.h"
+#include "core/pixel_rows_plain.h"
+#include "core/pixel_rows_simd.h"
 
 namespace rastrel {
 
@@ -113,29 +114,13 @@ void PackIndices(std::span<const std::uint8_t> indices, int bits, std::span<std:
 
 void ExpandTo24(std::span<const std::uint8_t> indices, const ValueColors& colors,
                 std::span<std::uint8_t> out) {
-    const std::uint8_t* in = indices.data();
-    std::uint8_t* to = out.data();
-    std::size_t left = indices.size();
-    // Eight pixels are three words. The fourth byte of a colour is shifted out or masked off.
-    for (; left >= 8; left -= 8, in += 8, to += 24) {
-        const auto color = [in, &colors](int i) -> std::uint64_t {
-            return colors[in[i]] & 0xffffffu;
-        };
-        const std::uint64_t third = color(2);
-        const std::uint64_t sixth = color(5);
-        StoreWord(color(0) | color(1) << 24 | third << 48, to);
-        StoreWord(third >> 16 | color(3) << 8 | color(4) << 32 | sixth << 56, to + 8);
-        StoreWord(sixth >> 8 | color(6) << 16 | color(7) << 40, to + 16);
-    }
-    for (; left > 0; --left, ++in, to += 3)
-        std::memcpy(to, &colors[*in], 3);
+    const std::size_t done = simd::ExpandTo24(indices.data(), colors, indices.size(), out.data());
+    plain::ExpandTo24(indices.subspan(done), colors, out.subspan(3 * done));
 }
 
 void Bgr24From32(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
-    const std::uint8_t* in = pixels.data();
-    std::uint8_t* to = out.data();
-    for (std::size_t left = pixels.size() / 4; left > 0; --left, in += 4, to += 3)
-        std::memcpy(to, in, 3);
+    const std::size_t done = simd::Bgr24From32(pixels.data(), pixels.size() / 4, out.data());
+    plain::Bgr24From32(pixels.subspan(4 * done), out.subspan(3 * done));
 }
 
 void Bgr24From16(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
@@ -153,27 +138,26 @@ void ExpandTo32(std::span<const std::uint8_t> indices, const ValueColors& colors
                 std::span<std::uint8_t> out) {
     std::uint8_t* to = out.data();
     for (const std::uint8_t index : indices) {
-        std::memcpy(to, &colors[index], 4);
+        std::memcpy(to, &colors.pixels[index], 4);
         to += 4;
     }
 }
 
 void Bgra32From24(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
-    const std::uint8_t* in = pixels.data();
-    std::uint8_t* to = out.data();
-    for (std::size_t left = pixels.size() / 3; left > 0; --left, in += 3, to += 4) {
-        std::memcpy(to, in, 3);
-        to[3] = 255;
-    }
+    const std::size_t done = simd::Bgra32From24(pixels.data(), pixels.size() / 3, out.data());
+    plain::Bgra32From24(pixels.subspan(3 * done), out.subspan(4 * done));
 }
 
 void GreyFromBgr(std::span<const std::uint8_t> pixels, std::size_t pixel_bytes,
                  std::span<std::uint8_t> out) {
-    const std::uint8_t* in = pixels.data();
-    for (std::uint8_t& grey : out) {
-        grey = GreyValue({.red = in[2], .green = in[1], .blue = in[0]});
-        in += pixel_bytes;
-    }
+    const std::size_t done = pixel_bytes == 3
+                                 ? simd::GreyFromBgr24(pixels.data(), out.size(), out.data())
+                                 : simd::GreyFromBgra32(pixels.data(), out.size(), out.data());
+    plain::GreyFromBgr(pixels.subspan(pixel_bytes * done), pixel_bytes, out.subspan(done));
+}
+
+void StreamCopy(std::span<const std::uint8_t> from, std::uint8_t* to) {
+    if (!from.empty()) simd::StreamCopy(from.data(), from.size(), to);
 }
 
 }  // namespace rastrel

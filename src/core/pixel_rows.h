@@ -7,9 +7,24 @@
 
 namespace rastrel {
 
-/// What each of 256 pixel values looks like: blue in the lowest byte, then green, red and alpha, so
-/// that its bytes in memory are those of a 32-bit pixel.
-using ValueColors = std::array<std::uint32_t, 256>;
+/// What each of 256 pixel values looks like, in the two forms that rows are made from.
+struct ValueColors {
+    using Table = std::array<std::uint8_t, 256>;
+
+    /// Blue in the lowest byte, then green, red and alpha: in memory, the bytes of a 32-bit pixel.
+    std::array<std::uint32_t, 256> pixels;
+    /// The same by channel, without alpha.
+    Table blue;
+    Table green;
+    Table red;
+
+    void Set(std::size_t value, std::uint32_t pixel) {
+        pixels[value] = pixel;
+        blue[value] = static_cast<std::uint8_t>(pixel);
+        green[value] = static_cast<std::uint8_t>(pixel >> 8);
+        red[value] = static_cast<std::uint8_t>(pixel >> 16);
+    }
+};
 
 /// Takes out.size() pixels of 1, 4 or 8 bits from column first of a row on, one byte for each.
 void UnpackIndices(std::span<const std::uint8_t> row, int bits, int first,
@@ -30,8 +45,14 @@ void ExpandTo32(std::span<const std::uint8_t> indices, const ValueColors& colors
                 std::span<std::uint8_t> out);
 void Bgra32From24(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out);
 
-/// Grey values of pixels of pixel_bytes bytes that begin with blue, green, red.
+/// Grey values of pixels of pixel_bytes (3 or 4) bytes that begin with blue, green, red.
 void GreyFromBgr(std::span<const std::uint8_t> pixels, std::size_t pixel_bytes,
                  std::span<std::uint8_t> out);
+
+/// From this many bytes on, output is better written past the caches, which it would only flush.
+constexpr std::size_t kStreamedFrom = std::size_t{16} << 20;
+
+/// Copies bytes past the caches; to and from must not overlap.
+void StreamCopy(std::span<const std::uint8_t> from, std::uint8_t* to);
 
 }  // namespace rastrel
