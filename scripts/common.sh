@@ -71,3 +71,26 @@ fetch_source() {
     mv "$into/unpack"/*/ "$into/source"
     touch "$into/.complete"
 }
+
+# configure_preset PRESET OPTION...
+configure_preset() {
+    say "configuring $1"
+    mkdir -p "$build"
+    (cd "$root" && cmake --preset "$@") >"$build/configure-$1.log" 2>&1 || {
+        tail -n 30 "$build/configure-$1.log" >&2
+        die "could not configure $1"
+    }
+}
+
+# build_preset PRESET TARGET...: all targets when none is named.
+build_preset() {
+    local preset=$1 targets=()
+    shift
+    [ -e "$build/$preset/build.ninja" ] || configure_preset "$preset"
+    [ $# = 0 ] || targets=(--target "$@")
+    say "building $preset"
+    cmake --build "$build/$preset" "${targets[@]}" >"$build/build-$preset.log" 2>&1 || {
+        tail -n 60 "$build/build-$preset.log" >&2
+        die "could not build $preset"
+    }
+}
