@@ -4,9 +4,8 @@
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <lzo/lzo1x.h>
-#include <sys/resource.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -36,7 +35,7 @@ class Sample {
 
   private:
     Sample() {
-        FillLikePhotograph(image_.Handle());
+        FillWithGround(image_.Handle());
         Rastrel_Save(image_.Handle(), qvi_.c_str(), -1);
         Rastrel_Save(image_.Handle(), bmp_.c_str(), -1);
     }
@@ -108,6 +107,20 @@ void BmpReadBySystem(benchmark::State& state) {
     SetBytes(state, size);
 }
 
+/// The same into pages as large as the system has them.
+void BmpReadBySystemIntoHugePages(benchmark::State& state) {
+    const std::size_t size = FileSize(Sample::Get().Bmp());
+    for (auto _ : state) {
+        void* buffer =
+            mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        madvise(buffer, size, MADV_HUGEPAGE);
+        if (!ReadWhole(Sample::Get().Bmp(), static_cast<std::uint8_t*>(buffer), size))
+            state.SkipWithError("read failed");
+        munmap(buffer, size);
+    }
+    SetBytes(state, size);
+}
+
 void BmpWrite(benchmark::State& state) {
     SaveByLibrary(state, Sample::Get().Bmp());
 }
@@ -135,8 +148,8 @@ void QviReadByCodec(benchmark::State& state) {
         const auto pixels = FreshBuffer(kPixels * 3 + std::size_t{kHeight} * 4);
         lzo_uint expanded = kPixels * 3 + std::size_t{kHeight} * 4;
         if (!ReadWhole(Sample::Get().Qvi(), stream.get(), size) ||
-            lzo1x_decompress_safe(stream.get() + kHeaders, size - kHeaders, pixels.get(),
-                                  &expanded, nullptr) != LZO_E_OK)
+            lzo1x_decompress_safe(stream.get() + kHeaders, size - kHeaders, pixels.get(), &expanded,
+                                  nullptr) != LZO_E_OK)
             state.SkipWithError("decompression failed");
     }
     SetBytes(state, kPixels * 3);
@@ -162,45 +175,17 @@ void QviWriteByCodec(benchmark::State& state) {
     SetBytes(state, kPixels * 3);
 }
 
-/// Kilobytes that a child process has had in memory at most while doing something.
-template <class Work>
-long PeakKilobytes(Work work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        work();
-        _exit(0);
-    }
-    int status = 0;
-    rusage usage = {};
-    wait4(child, &status, 0, &usage);
-    return usage.ru_maxrss;
-}
-
-/// Peak memory of a read above that of a process that does nothing, in units of the bitmap block.
-void BmpReadPeakMemory(benchmark::State& state) {
-    const std::string path = Sample::Get().Bmp();
-    Rastrel_Create(Sample::Get().Handle(), 1, 1, 1);  // a child must not inherit the sample
-    for (auto _ : state) {
-        const long idle = PeakKilobytes([] {});
-        const long busy = PeakKilobytes([&path] {
-            const BenchImage image;
-            Rastrel_Read(image.Handle(), path.c_str(), -1);
-        });
-        const double block = static_cast<double>(FileSize(path)) / 1024;
-        state.counters["block_KiB"] = block;
-        state.counters["above_block_KiB"] = static_cast<double>(busy - idle) - block;
-    }
-}
-
 BENCHMARK(BmpRead)->Name("bmp_read/rastrel")->UseRealTime();
 BENCHMARK(BmpReadBySystem)->Name("bmp_read/read(2) into fresh memory")->UseRealTime();
+BENCHMARK(BmpReadBySystemIntoHugePages)
+    ->Name("bmp_read/read(2) into fresh huge pages")
+    ->UseRealTime();
 BENCHMARK(BmpWrite)->Name("bmp_write/rastrel")->UseRealTime();
 BENCHMARK(BmpWriteBySystem)->Name("bmp_write/write(2) and rename(2)")->UseRealTime();
 BENCHMARK(QviRead)->Name("qvi_read/rastrel")->UseRealTime();
 BENCHMARK(QviReadByCodec)->Name("qvi_read/read(2) and lzo1x_decompress_safe")->UseRealTime();
 BENCHMARK(QviWrite)->Name("qvi_write/rastrel")->UseRealTime();
 BENCHMARK(QviWriteByCodec)->Name("qvi_write/lzo1x_1_compress and write(2)")->UseRealTime();
-BENCHMARK(BmpReadPeakMemory)->Name("bmp_read_peak_memory/rastrel")->Iterations(1);
 
 }  // namespace
 }  // namespace rastrel_bench

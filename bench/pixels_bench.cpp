@@ -43,7 +43,7 @@ void CopyIntoUsedMemory(benchmark::State& state, std::size_t bytes_read,
 /// A palettised image of 8 bits whose pixels use the whole palette.
 void MakeIndexed(int handle, int width, int height) {
     Rastrel_Create(handle, width, height, 8);
-    FillLikePhotograph(handle);
+    FillWithGround(handle);
     std::uint8_t red[256];
     std::uint8_t green[256];
     std::uint8_t blue[256];
@@ -96,7 +96,7 @@ void Conv8To24Copy(benchmark::State& state) {
 
 void Conv1To8(benchmark::State& state) {
     const BenchImage source(kWidth, kHeight, 1);
-    FillLikePhotograph(source.Handle());
+    FillWithGround(source.Handle());
     const BenchImage image;
     for (auto _ : state) {
         state.PauseTiming();
@@ -116,7 +116,7 @@ void GetImageByte24(benchmark::State& state, int source_bits) {
         MakeIndexed(image.Handle(), kWidth, kHeight);
     } else {
         Rastrel_Create(image.Handle(), kWidth, kHeight, source_bits);
-        FillLikePhotograph(image.Handle());
+        FillWithGround(image.Handle());
     }
     const auto out = FreshBuffer(kPixels * 3);
     std::memset(out.get(), 1, kPixels * 3);
@@ -130,6 +130,7 @@ void GetImageByte24Copy(benchmark::State& state, int source_bits) {
 
 void Fill24(benchmark::State& state) {
     const BenchImage image(kWidth, kHeight, 24);
+    Rastrel_Fill(image.Handle(), 1, 2, 3);  // the first touch of memory is another matter
     int shade = 0;
     for (auto _ : state) {
         ++shade;
@@ -139,6 +140,7 @@ void Fill24(benchmark::State& state) {
 
 void Fill8(benchmark::State& state) {
     const BenchImage image(kWidth, kHeight, 8);
+    Rastrel_Fill(image.Handle(), 1, 1, 1);
     int shade = 0;
     for (auto _ : state) {
         ++shade;
@@ -148,6 +150,7 @@ void Fill8(benchmark::State& state) {
 
 void MemsetOf(benchmark::State& state, std::size_t bytes) {
     const auto to = FreshBuffer(bytes);
+    std::memset(to.get(), 1, bytes);
     int shade = 0;
     for (auto _ : state) {
         std::memset(to.get(), ++shade, bytes);

@@ -4,7 +4,7 @@
 
 namespace rastrel_bench {
 
-void FillLikePhotograph(int handle) {
+void FillWithGround(int handle) {
     std::uint8_t* rows = Rastrel_GetRawImage(handle);
     const auto row_bytes = static_cast<std::size_t>(Rastrel_GetEffWidth(handle));
     const auto height = static_cast<std::size_t>(Rastrel_GetHeight(handle));
@@ -13,7 +13,8 @@ void FillLikePhotograph(int handle) {
         for (std::size_t x = 0; x < row_bytes; ++x) {
             state = state * 1664525 + 1013904223;
             const std::size_t ground = (x >> 4) + (y >> 3);
-            const std::uint32_t noise = (state >> 28) == 0 ? state >> 29 : 0;
+            const bool is_rough = ((x >> 9) + (y >> 7)) % 2 == 0;
+            const std::uint32_t noise = is_rough ? state >> 28 : 0;
             rows[y * row_bytes + x] = static_cast<std::uint8_t>(ground + noise);
         }
     }

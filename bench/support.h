@@ -34,8 +34,8 @@ class BenchImage {
     int handle_;
 };
 
-/// Fills an image with smooth ground under fine noise, as photographs have it.
-void FillLikePhotograph(int handle);
+/// Fills an image with smooth and with rough places in turn: half of it compresses well.
+void FillWithGround(int handle);
 
 /// Memory fresh from the system, not touched yet.
 [[nodiscard]] std::unique_ptr<std::uint8_t[]> FreshBuffer(std::size_t bytes);

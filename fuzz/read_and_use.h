@@ -7,6 +7,7 @@
 
 #include "core/byte_source.h"
 #include "core/depth_conversion.h"
+#include "core/fill.h"
 #include "core/pixel_reader.h"
 #include "core/portion.h"
 

@@ -5,6 +5,7 @@
 
 #include "api/calls.h"
 #include "core/depth_conversion.h"
+#include "core/fill.h"
 #include "core/pixel_reader.h"
 #include "core/portion.h"
 #include "rastrel.h"

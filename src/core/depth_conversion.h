@@ -17,8 +17,4 @@ namespace rastrel {
 /// pixels' grey value, white from 128 on. 1 bit: left, true. Others: false.
 [[nodiscard]] bool NarrowTo1Bit(RasterImage& raster);
 
-/// Gives every pixel one colour: the nearest palette entry, without a palette the grey value, at 32
-/// bits with alpha 255.
-void Fill(RasterImage& raster, Color color);
-
 }  // namespace rastrel

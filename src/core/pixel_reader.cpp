@@ -16,31 +16,27 @@ std::uint32_t PixelWord(Color color) {
     return kOpaque | std::uint32_t{color.red} << 16 | std::uint32_t{color.green} << 8 | color.blue;
 }
 
-/// The step from one grey to the next that makes a depth's greatest value white.
-unsigned GreyStep(int bits) {
-    return bits == 1 ? 255 : bits == 4 ? 17 : 1;
-}
-
-/// Values that a palette lacks are black.
 ValueColors ColorsOf(const RasterImage& raster) {
     ValueColors colors;
-    const Palette* palette = raster.GetPalette();
-    for (unsigned value = 0; value < colors.pixels.size(); ++value) {
-        const auto grey = static_cast<std::uint8_t>(value * GreyStep(raster.Bits()));
-        const Color color = palette ? palette->Entry(static_cast<int>(value)).value_or(Color{})
-                                    : Color{grey, grey, grey};
-        colors.Set(value, PixelWord(color));
-    }
+    for (std::size_t value = 0; value < colors.pixels.size(); ++value)
+        colors.Set(value, PixelWord(ShownColor(raster, value)));
     return colors;
 }
 
 }  // namespace
 
+Color ShownColor(const RasterImage& raster, std::size_t value) {
+    if (const Palette* palette = raster.GetPalette())
+        return palette->Entry(static_cast<int>(value)).value_or(Color{});
+    const unsigned step = raster.Bits() == 1 ? 255 : raster.Bits() == 4 ? 17 : 1;
+    const auto grey = static_cast<std::uint8_t>(value * step);
+    return {grey, grey, grey};
+}
+
 PixelReader::PixelReader(const RasterImage& raster, PixelForm form, std::size_t total_bytes)
-    : raster_(raster),
-      form_(form),
-      streams_(total_bytes >= kStreamedFrom),
-      colors_(ColorsOf(raster)) {}
+    : raster_(raster), form_(form), streams_(total_bytes >= kStreamedFrom) {
+    if (raster.Bits() <= 8) colors_ = ColorsOf(raster);
+}
 
 void PixelReader::Read(int x, int y, std::span<std::uint8_t> out) {
     if (!streams_) {

@@ -10,6 +10,10 @@
 
 namespace rastrel {
 
+/// What a pixel value of a raster of up to 8 bits looks like: its palette entry, black where the
+/// palette lacks it; without a palette a grey, the depth's greatest value being white.
+[[nodiscard]] Color ShownColor(const RasterImage& raster, std::size_t value);
+
 /// The forms that pixels are read in; the value is the bytes of a pixel.
 enum class PixelForm {
     /// Palette indices; grey values of deeper pixels.
@@ -52,8 +56,8 @@ class PixelReader {
 };
 
 /// Copies a rectangle of pixels out of a raster: depth 8 as values, 24 as colours, 32 as colours
-/// with alpha; other depths copy nothing. out points to rect.width x rect.height pixels, the top row
-/// first; those outside the image are not written.
+/// with alpha; other depths copy nothing. out points to rect.width x rect.height pixels, the top
+/// row first; those outside the image are not written.
 void CopyPixels(const RasterImage& raster, int depth, Rect rect, std::uint8_t* out);
 
 }  // namespace rastrel

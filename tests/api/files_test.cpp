@@ -404,12 +404,5 @@ TEST(Description, IsCutToTheBufferAndEnded) {
     EXPECT_EQ(Rastrel_GetDescription(image, nullptr, 10), 0);
 }
 
-TEST(Quality, IsKept) {
-    const TestImage image(2, 2, 8);
-    EXPECT_EQ(Rastrel_GetQuality(image), 0);
-    EXPECT_EQ(Rastrel_SetQuality(image, -150), 1);
-    EXPECT_EQ(Rastrel_GetQuality(image), -150);
-}
-
 }  // namespace
 }  // namespace rastrel_test

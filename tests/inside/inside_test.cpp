@@ -258,18 +258,6 @@ TEST(LzoPixels, GrowIncompressibleBytesWithinTheirBuffer) {
     }
 }
 
-TEST(RasterImage, FormatOperationsOfTheBaseFail) {
-    RasterImage raster;
-    ImageInfo info;
-    FormatTexts texts;
-    EXPECT_FALSE(raster.ReadInfo("x", info));
-    EXPECT_FALSE(raster.Read("x"));
-    EXPECT_FALSE(raster.ReadPart("x", {0, 0, 1, 1}));
-    EXPECT_FALSE(raster.ReadPartReduced("x", {0, 0, 1, 1}, 2));
-    EXPECT_FALSE(raster.Write("x"));
-    EXPECT_FALSE(raster.Describe(texts));
-}
-
 TEST(RasterImage, PixelsOf32BitsHaveFourParts) {
     RasterImage raster;
     ASSERT_TRUE(raster.Create(2, 2, 32, -1));

@@ -36,19 +36,6 @@ class Descriptor {
 /// One system call transfers no more than this on Linux; more is asked for in parts.
 constexpr std::size_t kMostPerCall = 0x7ffff000;
 
-constexpr std::size_t kPageBytes = 4096;
-constexpr std::size_t kAlignedFrom = std::size_t{1} << 20;
-
-bool WriteAll(int descriptor, std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t put = write(descriptor, bytes.data(), std::min(bytes.size(), kMostPerCall));
-        if (put < 0 && errno == EINTR) continue;
-        if (put <= 0) return false;
-        bytes = bytes.subspan(static_cast<std::size_t>(put));
-    }
-    return true;
-}
-
 /// Names written for Windows, and companion names, are joined with "\".
 std::string NativePath(std::string path) {
     std::replace(path.begin(), path.end(), '\\', '/');
@@ -100,7 +87,6 @@ std::size_t InputFile::Read(std::span<std::uint8_t> out) {
 
 struct ReplacingFile::Handle {
     Descriptor descriptor;
-    std::uint64_t written = 0;
     std::string target;
     std::string temporary;  ///< empty when the target is written directly
 };
@@ -119,7 +105,7 @@ std::unique_ptr<ReplacingFile> ReplacingFile::Create(const std::string& path) {
         if (S_ISDIR(old.st_mode)) return nullptr;
         const int number = open(target.c_str(), O_WRONLY | O_CLOEXEC);
         if (number < 0) return nullptr;
-        std::unique_ptr<Handle> handle(new Handle{Descriptor(number), 0, target, {}});
+        std::unique_ptr<Handle> handle(new Handle{Descriptor(number), target, {}});
         return std::unique_ptr<ReplacingFile>(new ReplacingFile(std::move(handle)));
     }
     // Renaming over a file asks only for its folder's permission; writing asks for its own.
@@ -132,7 +118,7 @@ std::unique_ptr<ReplacingFile> ReplacingFile::Create(const std::string& path) {
         if (number >= 0 || errno != EEXIST) break;
     }
     if (number < 0) return nullptr;
-    std::unique_ptr<Handle> handle(new Handle{Descriptor(number), 0, target, temporary});
+    std::unique_ptr<Handle> handle(new Handle{Descriptor(number), target, temporary});
     if (exists) {
         // The owner first: a change of owner may clear permission bits. Not being allowed to give
         // a file away is no reason not to save it.
@@ -144,13 +130,14 @@ std::unique_ptr<ReplacingFile> ReplacingFile::Create(const std::string& path) {
 
 bool ReplacingFile::Write(std::span<const std::uint8_t> bytes) {
     if (!handle_ || !handle_->descriptor.IsOpen()) return false;
-    // Up to a page's border first: the page cache takes whole pages half as fast again.
-    const std::size_t to_border =
-        (kPageBytes - static_cast<std::size_t>(handle_->written % kPageBytes)) % kPageBytes;
-    const std::size_t head = bytes.size() >= kAlignedFrom ? to_border : 0;
-    handle_->written += bytes.size();
-    return WriteAll(handle_->descriptor.Number(), bytes.first(head)) &&
-           WriteAll(handle_->descriptor.Number(), bytes.subspan(head));
+    while (!bytes.empty()) {
+        const ssize_t put =
+            write(handle_->descriptor.Number(), bytes.data(), std::min(bytes.size(), kMostPerCall));
+        if (put < 0 && errno == EINTR) continue;
+        if (put <= 0) return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(put));
+    }
+    return true;
 }
 
 bool ReplacingFile::Commit() {
