@@ -299,7 +299,7 @@ TEST(Save, AFullDiskLeavesTheOldFile) {
     const Bytes qvi_before = FileBytes(qvi);
     const TestImage image(100, 100, 24);
     FillWithPattern(image);
-    for (const rlim_t room : {0, 10, 54, 1000}) {
+    for (const rlim_t room : {rlim_t{0}, rlim_t{10}, rlim_t{54}, rlim_t{1000}}) {
         const FullDisk disk(room);
         EXPECT_EQ(Rastrel_Save(image, bmp.c_str(), -1), 0) << room;
         EXPECT_EQ(Rastrel_Save(image, qvi.c_str(), -1), 0) << room;
