@@ -143,6 +143,17 @@ class CommandLine(unittest.TestCase):
                 else:
                     self.assertIn(f"from {source} to {depth} bits", err)
 
+    def test_coded_pixels_are_kept_and_never_taken_for_colours(self):
+        coded = bytearray(bmp(20, 2, 8, 256)[:54 + 1024] + bytes([20, 1, 0, 0, 20, 2, 0, 1]))
+        struct.pack_into("<II", coded, 30, 1, 8)
+        self.file("coded.bmp", bytes(coded))
+        self.run_it("convert", "coded.bmp", "copy.qvi")
+        for option in (["--depth", "1"], ["--depth", "24"], ["--depth", "32"],
+                       ["--crop", "0,0,5,2"]):
+            _, err = self.run_it("convert", *option, "coded.bmp", "out.bmp", code=1)
+            self.assertIn("run-length coded", err)
+        self.assertEqual(self.names(), ["coded.bmp", "copy.qvi"])
+
     def test_several_inputs_go_into_a_folder(self):
         self.file("a.bmp", bmp())
         self.file("b.bmp", bmp(5, 5))

@@ -56,9 +56,10 @@ bool ConvertOne(const ConvertOptions& options, const std::string& input, Progres
     if (options.depth) {
         progress.Say(fmt::format("{}converting {} to {} bits", count, input, *options.depth));
         if (!image.ConvertDepth(*options.depth))
-            return fail(input, fmt::format("this version of the library cannot convert it from {} "
-                                           "to {} bits",
-                                           source_depth, *options.depth));
+            return fail(input,
+                        fmt::format("its pixels are run-length coded, or this version of the "
+                                    "library cannot convert from {} to {} bits",
+                                    source_depth, *options.depth));
     }
     if (options.quality) Rastrel_SetQuality(image.Handle(), *options.quality);
     const std::string output = OutputName(options, input);

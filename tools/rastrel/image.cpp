@@ -39,6 +39,8 @@ bool Image::ConvertDepth(int bits) {
             if (have <= 8 && Rastrel_Conv8To24(handle_) != 1) return false;
             return Rastrel_GetDepth(handle_) == 24 || RebuildAt(24);
         default:
+            // By way of 24 bits, which refuses coded pixels; as bytes they would pass for colours.
+            if (have <= 8 && Rastrel_Conv8To24(handle_) != 1) return false;
             return RebuildAt(32);
     }
 }
