@@ -34,7 +34,10 @@ bool ShowOne(const std::string& name, int type) {
     int bits = 0;
     if (type >= 0 || Rastrel_ReadInfo(name.c_str(), &width, &height, &bits) != 1) {
         // A type that the name does not tell: only reading all of it gives the size.
-        if (Rastrel_Read(image.Handle(), name.c_str(), type) != 1) return false;
+        if (Rastrel_Read(image.Handle(), name.c_str(), type) != 1) {
+            ReportFailure(name, WhyNotRead(name, type));
+            return false;
+        }
         width = Rastrel_GetWidth(image.Handle());
         height = Rastrel_GetHeight(image.Handle());
         bits = Rastrel_GetDepth(image.Handle());
