@@ -200,7 +200,7 @@ RASTREL_API int RASTREL_CALL Rastrel_ReadInfo(const char* name, int* width, int*
  *
  * A file that is cut short loads, its missing pixels zero, unless more than 64 MiB are missing;
  * damaged headers fail. BMP and QVI files with run-length coding load with their coded data as it
- * stands: they draw and save, but pixel functions see code bytes, and cropping and depth
+ * stands: they save as they were, but pixel functions see code bytes, and cropping and depth
  * conversions refuse them.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Read(int handle, const char* name, int type);
