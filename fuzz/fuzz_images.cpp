@@ -219,9 +219,9 @@ void Step(Program& program) {
             Rastrel_Copy(handle, program.Handle());
             break;
         case 15: {
-            const int red = program.Handle();
-            const int green = program.Handle();
-            Rastrel_CreateFrom3Bands(handle, red, green, program.Handle());
+            const int first = program.Handle();
+            const int second = program.Handle();
+            Rastrel_CreateFrom3Bands(handle, first, second, program.Handle());
             break;
         }
         case 16:

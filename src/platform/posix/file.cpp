@@ -121,9 +121,10 @@ std::unique_ptr<ReplacingFile> ReplacingFile::Create(const std::string& path) {
     std::unique_ptr<Handle> handle(new Handle{Descriptor(number), target, temporary});
     if (exists) {
         // The owner first: a change of owner may clear permission bits. Not being allowed to give
-        // a file away is no reason not to save it.
+        // a file away is no reason not to save it. New content inherits no right to run as
+        // somebody.
         [[maybe_unused]] const int owner_kept = fchown(number, old.st_uid, old.st_gid);
-        [[maybe_unused]] const int mode_kept = fchmod(number, old.st_mode & 07777);
+        [[maybe_unused]] const int mode_kept = fchmod(number, old.st_mode & 0777);
     }
     return std::unique_ptr<ReplacingFile>(new ReplacingFile(std::move(handle)));
 }
