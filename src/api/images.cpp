@@ -8,7 +8,7 @@
 #include "api/calls.h"
 #include "core/channels.h"
 #include "core/pixel_rows.h"
-#include "process/full_range_stretch.h"
+#include "process/stretch.h"
 #include "rastrel.h"
 
 using namespace rastrel;
@@ -33,11 +33,10 @@ int CreateFromSamples(int handle, const Sample* samples, int width, int height) 
         if (samples == nullptr || width < 1 || height < 1) return;
         const std::span all(samples,
                             static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-        StretchRange range;
+        StretchBounds bounds;
         BuildGreyImage(image, width, height, [&](std::size_t first, std::span<std::uint8_t> row) {
-            if (first == 0) range = FiniteRange(all);
-            std::transform(samples + first, samples + first + row.size(), row.begin(),
-                           [&range](Sample sample) { return StretchToByte(sample, range); });
+            if (first == 0) bounds = FiniteExtremes(all);
+            Stretch(samples + first, row.size(), bounds, row.data());
         });
     });
 }

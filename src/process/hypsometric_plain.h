@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace rastrel {
+
+/// How bright a hypsometric colour becomes: the palette's brightness times weight plus the
+/// shading's times (1 - weight).
+struct Blend {
+    explicit Blend(double weight_in) : weight(weight_in), shading_weight(1 - weight_in) {}
+
+    double weight;
+    double shading_weight;
+};
+
+using BgrPixel = std::array<std::uint8_t, 3>;
+
+namespace plain {
+
+/// The colour of a palette entry (red in the lowest byte) with its value, as in hue, saturation and
+/// value, blended with a shading. The conversions are those of A. R. Smith, "Color gamut transform
+/// pairs", SIGGRAPH 1978.
+[[nodiscard]] BgrPixel HypsometricColor(std::uint32_t entry, std::uint8_t shading,
+                                        const Blend& blend);
+
+}  // namespace plain
+
+/// A palette entry made ready: its channels at full value, so that a channel is its coefficient
+/// times the blended value. The same products in the same order as in the plain form.
+struct HypsometricEntry {
+    HypsometricEntry(std::uint32_t entry, const Blend& blend);
+
+    double blended_value;            ///< the palette's part of the value
+    std::array<double, 3> channels;  ///< blue, green, red
+};
+
+/// The same colour as the plain form's.
+[[nodiscard]] BgrPixel HypsometricColor(const HypsometricEntry& entry, std::uint8_t shading,
+                                        const Blend& blend);
+
+}  // namespace rastrel
