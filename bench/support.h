@@ -37,6 +37,10 @@ class BenchImage {
 /// Fills an image with smooth and with rough places in turn: half of it compresses well.
 void FillWithGround(int handle);
 
+/// A square of hills of all sizes, side x side cells of 0 to 1, side a power of two; a tenth of the
+/// ground is a level sea. Random midpoint displacement.
+[[nodiscard]] std::vector<float> FractalHeights(int side);
+
 /// Memory fresh from the system, not touched yet.
 [[nodiscard]] std::unique_ptr<std::uint8_t[]> FreshBuffer(std::size_t bytes);
 

@@ -13,15 +13,12 @@
 #include <type_traits>
 
 #include "process/grid.h"
+#include "process/truncate-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace rastrel::simd::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
-
-using FloatTag = hn::ScalableTag<float>;
-using FloatVector = hn::Vec<FloatTag>;
-using FloatMask = hn::Mask<FloatTag>;
 
 /// (z3 + 2 z6 + z9) - (z1 + 2 z4 + z7) to the right and (z7 + 2 z8 + z9) - (z1 + 2 z2 + z3)
 /// downward, without any scale. Each is within error of the true sums, besides a relative error of

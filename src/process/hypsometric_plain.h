@@ -29,10 +29,11 @@ namespace plain {
 /// A palette entry made ready: its channels at full value, so that a channel is its coefficient
 /// times the blended value. The same products in the same order as in the plain form.
 struct HypsometricEntry {
+    HypsometricEntry() = default;
     HypsometricEntry(std::uint32_t entry, const Blend& blend);
 
-    double blended_value;            ///< the palette's part of the value
-    std::array<double, 3> channels;  ///< blue, green, red
+    double blended_value = 0;             ///< the palette's part of the value
+    std::array<double, 3> channels = {};  ///< blue, green, red
 };
 
 /// The same colour as the plain form's.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "process/smoothing_plain.h"
+#include "process/smoothing_kernels.h"
 
 namespace rastrel {
 
@@ -29,9 +29,7 @@ template <class Sample>
 void Smooth(const Grid<Sample>& grid, Sample* out) {
     CopyBorder(grid, out);
     ForEachInnerRow(grid, [&](std::size_t row, const ThreeRows<Sample>& rows) {
-        Sample* to = out + row * grid.columns;
-        for (std::size_t column = 1; column + 1 < grid.columns; ++column)
-            to[column] = plain::Smooth(rows.At(column));
+        simd::SmoothRow(rows, grid.columns - 2, out + row * grid.columns + 1);
     });
 }
 

@@ -1,6 +1,10 @@
 #include "process/stretch.h"
 
+#include <array>
+#include <numeric>
+
 #include "process/statistics.h"
+#include "process/stretch_kernels.h"
 
 namespace rastrel {
 
@@ -27,7 +31,16 @@ StretchBounds BoundsAroundMeanOrExtremes(const Grid<Sample>& grid, double k) {
 template <class Sample>
 void Stretch(const Sample* samples, std::size_t count, const StretchBounds& bounds,
              std::uint8_t* out) {
-    plain::Stretch(samples, count, bounds, out);
+    if constexpr (sizeof(Sample) == 1) {
+        std::array<Sample, 256> bytes;
+        std::iota(bytes.begin(), bytes.end(), Sample{0});
+        simd::ByteTable table;
+        plain::Stretch(bytes.data(), bytes.size(), bounds, table.data());
+        simd::StretchBytes(samples, count, bounds, table, out);
+    } else {
+        if (!simd::Stretch(samples, count, bounds, out))
+            plain::Stretch(samples, count, bounds, out);
+    }
 }
 
 #define RASTREL_INSTANTIATE(Sample)                                                 \

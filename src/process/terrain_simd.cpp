@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -13,6 +12,7 @@
 #include "process/terrain_kernels.h"
 #if HWY_TARGET != HWY_SCALAR
 #include "process/gradients-inl.h"
+#include "process/truncate-inl.h"
 #endif
 
 HWY_BEFORE_NAMESPACE();
@@ -46,30 +46,6 @@ double LargestMagnitude(const Sample* /*samples*/, std::size_t /*count*/) {
 }
 
 #else
-
-using ByteTag = hn::Rebind<std::uint8_t, FloatTag>;
-using WordTag = hn::Rebind<std::uint32_t, FloatTag>;
-using WordVector = hn::Vec<WordTag>;
-
-/// The bytes of a vector of cells, in the lowest byte of each lane, and where they are certain.
-struct Estimate {
-    WordVector bytes;
-    FloatMask is_certain;
-};
-
-/// Truncated bytes of values up to 255, given less one half: rounding to the nearest then
-/// truncates, and what lies within bound of a whole value above 0 is uncertain. Negative values
-/// become 0.
-HWY_INLINE Estimate TruncateLessHalf(FloatVector less_half, FloatVector bound) {
-    const FloatTag df;
-    const WordTag words;
-    // Added to a value, it leaves the nearest whole number in the lowest bits.
-    const auto magic = hn::Set(df, 0x1p23f);
-    const auto value = hn::IfThenZeroElse(hn::Lt(less_half, hn::Zero(df)), less_half);
-    const auto shifted = hn::Add(value, magic);
-    const auto from_whole = hn::Abs(hn::Sub(value, hn::Sub(shifted, magic)));
-    return {hn::BitCast(words, shifted), hn::Lt(from_whole, hn::Sub(hn::Set(df, 0.5f), bound))};
-}
 
 /// 1 / sqrt(v) by one step of Newton's from an estimate of at least 11.4 bits: within 12 units in
 /// the last place. Not a number for infinity.
@@ -222,7 +198,12 @@ class AspectKernel {
         const auto is_certain = hn::AndNot(
             is_before_north,
             hn::And(hn::Gt(hn::Abs(past_north), bound), hn::Gt(hn::Abs(past_east), bound)));
-        return {Classes(index), is_certain};
+        // Exact gradients tell level ground, which is common where steps are whole.
+        const auto is_level =
+            hn::Eq(hn::Add(hn::Add(across, along), gradient.error), zero);
+        const auto classes = hn::IfThenElse(hn::RebindMask(words, is_level),
+                                            hn::Set(words, Level()), Classes(index));
+        return {classes, hn::Or(is_certain, is_level)};
     }
 
     [[nodiscard]] static std::uint8_t Level() { return 8; }
@@ -246,11 +227,6 @@ class AspectKernel {
     float sign_;
 };
 
-HWY_INLINE void StoreBytes(WordVector lanes, std::uint8_t* out) {
-    const ByteTag bytes;
-    hn::StoreU(hn::TruncateTo(bytes, lanes), bytes, out);
-}
-
 /// Settles the cells of a vector that the estimate leaves open. Out still holds what stood there.
 template <class Sample, class Kernel>
 HWY_NOINLINE void Settle(const ThreeRows<Sample>& at, const Kernel& kernel, Estimate estimate,
@@ -262,14 +238,9 @@ HWY_NOINLINE void Settle(const ThreeRows<Sample>& at, const Kernel& kernel, Esti
     const auto lanes = hn::IfThenElse(hn::RebindMask(words, level), value, estimate.bytes);
     const auto is_certain = hn::Or(estimate.is_certain, level);
     if (hn::AllTrue(df, is_certain)) return StoreBytes(lanes, out);
-    std::array<std::uint8_t, HWY_MAX_BYTES / sizeof(float)> bytes = {};
-    std::array<std::uint8_t, 8> certain = {};
-    StoreBytes(lanes, bytes.data());
-    hn::StoreMaskBits(df, is_certain, certain.data());
-    for (std::size_t i = 0; i < hn::Lanes(df); ++i) {
-        const bool settled = (certain[i / 8] >> (i % 8) & 1) != 0;
-        out[i] = settled ? bytes[i] : kernel.Exact(at.At(i), out[i]);
-    }
+    StoreSettled({lanes, is_certain}, out, [&](std::size_t i, std::uint8_t kept) {
+        return kernel.Exact(at.At(i), kept);
+    });
 }
 
 template <class Sample, class Gradients, class Kernel>
@@ -291,11 +262,7 @@ HWY_INLINE void VisitRow(const ThreeRows<Sample>& rows, std::size_t count,
         else
             Settle(at, kernel, estimate, out + column);
     };
-    std::size_t column = 0;
-    for (; column + lanes <= count; column += lanes)
-        visit(column);
-    // The last cells once more with some before them: the same bytes again.
-    if (column < count) visit(count - lanes);
+    VisitVectors(count, lanes, visit);
 }
 
 template <class Kernel>

@@ -4,13 +4,13 @@
 #include "core/pixel_rows.h"
 
 #include <gtest/gtest.h>
-#include <hwy/targets.h>
 
 #include <functional>
 #include <random>
 #include <vector>
 
 #include "core/pixel_rows_plain.h"
+#include "inside/targets.h"
 
 namespace rastrel {
 namespace {
@@ -26,24 +26,6 @@ Bytes RandomBytes(std::size_t count) {
     for (std::uint8_t& byte : bytes)
         byte = static_cast<std::uint8_t>(random() >> 13);
     return bytes;
-}
-
-/// Makes the library use one set of instructions until it ends.
-class ChosenTarget {
-  public:
-    explicit ChosenTarget(std::int64_t target) { hwy::GetChosenTarget().Update(target); }
-    ChosenTarget(const ChosenTarget&) = delete;
-    ChosenTarget& operator=(const ChosenTarget&) = delete;
-    ~ChosenTarget() { hwy::GetChosenTarget().Update(hwy::SupportedTargets()); }
-};
-
-std::vector<std::int64_t> Targets() {
-    std::vector<std::int64_t> targets = {0};  // the form without any special instructions
-    const std::int64_t supported = hwy::SupportedTargets();
-    for (std::int64_t bit = 1; bit > 0 && bit <= supported; bit <<= 1) {
-        if ((supported & bit) != 0) targets.push_back(bit);
-    }
-    return targets;
 }
 
 using Convert = std::function<void(std::span<const std::uint8_t>, std::span<std::uint8_t>)>;
