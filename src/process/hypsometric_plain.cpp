@@ -7,7 +7,6 @@ namespace rastrel {
 
 namespace {
 
-constexpr double kOver255 = 0.00392156862745098;
 constexpr double kOver60 = 0.016666666666666666;
 constexpr double kNoHue = -1;
 
@@ -104,15 +103,20 @@ BgrPixel HypsometricColor(std::uint32_t entry, std::uint8_t shading, const Blend
 
 }  // namespace plain
 
-HypsometricEntry::HypsometricEntry(std::uint32_t entry, const Blend& blend)
-    : blended_value(HsvFromEntry(entry).value * blend.weight),
-      channels(ChannelsOf(HsvFromEntry(entry))) {}
+HypsometricTable::HypsometricTable(const std::uint32_t* palette, const Blend& blend_in)
+    : blend(blend_in) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const Hsv hsv = HsvFromEntry(palette[i]);
+        const std::array<double, 3> channels = ChannelsOf(hsv);
+        entries[i] = {hsv.value * blend.weight, channels[0], channels[1], channels[2]};
+    }
+}
 
-BgrPixel HypsometricColor(const HypsometricEntry& entry, std::uint8_t shading, const Blend& blend) {
-    const double value =
-        ClampToOne(entry.blended_value + shading * blend.shading_weight * kOver255);
-    return {ByteFromChannel(entry.channels[0] * value), ByteFromChannel(entry.channels[1] * value),
-            ByteFromChannel(entry.channels[2] * value)};
+BgrPixel HypsometricTable::ColorOf(std::uint8_t index, std::uint8_t shading) const {
+    const HypsometricEntry& entry = entries[index];
+    const double value = ClampToOne(entry.value + shading * blend.shading_weight * kOver255);
+    return {ByteFromChannel(entry.blue * value), ByteFromChannel(entry.green * value),
+            ByteFromChannel(entry.red * value)};
 }
 
 }  // namespace rastrel

@@ -5,6 +5,9 @@
 
 namespace rastrel {
 
+/// One 255th, as the formulas have it.
+constexpr double kOver255 = 0.00392156862745098;
+
 /// How bright a hypsometric colour becomes: the palette's brightness times weight plus the
 /// shading's times (1 - weight).
 struct Blend {
@@ -28,16 +31,22 @@ namespace plain {
 
 /// A palette entry made ready: its channels at full value, so that a channel is its coefficient
 /// times the blended value. The same products in the same order as in the plain form.
-struct HypsometricEntry {
-    HypsometricEntry() = default;
-    HypsometricEntry(std::uint32_t entry, const Blend& blend);
-
-    double blended_value = 0;             ///< the palette's part of the value
-    std::array<double, 3> channels = {};  ///< blue, green, red
+struct alignas(32) HypsometricEntry {
+    double value = 0;  ///< the palette's part of the blended value
+    double blue = 0;
+    double green = 0;
+    double red = 0;
 };
 
-/// The same colour as the plain form's.
-[[nodiscard]] BgrPixel HypsometricColor(const HypsometricEntry& entry, std::uint8_t shading,
-                                        const Blend& blend);
+/// A palette of 256 colours made ready for a blend.
+struct HypsometricTable {
+    HypsometricTable(const std::uint32_t* palette, const Blend& blend_in);
+
+    /// The same colour as the plain form's.
+    [[nodiscard]] BgrPixel ColorOf(std::uint8_t index, std::uint8_t shading) const;
+
+    Blend blend;
+    std::array<HypsometricEntry, 256> entries;
+};
 
 }  // namespace rastrel

@@ -1,6 +1,4 @@
 #include <array>
-#include <cmath>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "process/hypsometric_simd.cpp"
@@ -9,9 +7,6 @@
 #include <hwy/highway.h>
 
 #include "process/hypsometric_kernels.h"
-#if HWY_TARGET != HWY_SCALAR
-#include "process/truncate-inl.h"
-#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace rastrel::simd::HWY_NAMESPACE {
@@ -26,77 +21,51 @@ std::size_t ColorPixels(const std::uint8_t* /*indices*/, const std::uint8_t* /*s
 
 #else
 
-/// The whole lanes of an estimate and another one's, the latter moved up by bits.
-template <int kBits>
-HWY_INLINE WordVector Above(WordVector words, const Estimate& estimate) {
-    const WordTag tag;
-    return hn::Or(words, hn::ShiftLeft<kBits>(hn::And(estimate.bytes, hn::Set(tag, 255))));
+namespace hn = hwy::HWY_NAMESPACE;
+
+using DoubleTag = hn::ScalableTag<double>;
+using DoubleVector = hn::Vec<DoubleTag>;
+using WordTag = hn::Rebind<std::uint32_t, DoubleTag>;
+
+/// The bytes of a channel, by the formula's own operations.
+HWY_INLINE hn::Vec<WordTag> Bytes(DoubleVector channel, DoubleVector value) {
+    const DoubleTag d;
+    const hn::RebindToSigned<WordTag> whole;
+    const auto byte = hn::Add(hn::Mul(hn::Mul(channel, value), hn::Set(d, 255.0)), hn::Set(d, 0.5));
+    return hn::BitCast(WordTag(), hn::DemoteTo(whole, byte));
 }
 
-/// Colours a vector of pixels whose entries stand at singles, with their shading from 0 to 255.
-class ColorKernel {
-  public:
-    explicit ColorKernel(const Blend& blend)
-        : shading_weight_(static_cast<float>(blend.shading_weight / 255)),
-          // Both parts of the value, their sum, the channel and the product: each is rounded by at
-          // most 2^-24 of the sum of the weights' magnitudes.
-          bound_(static_cast<float>(
-              255 * (1 + std::abs(blend.weight) + std::abs(blend.shading_weight)) * 6 * 0x1p-24)) {}
-
-    HWY_INLINE WordVector operator()(const HypsometricTable::Single* singles, FloatVector shading,
-                                     FloatMask& is_certain) const {
-        const FloatTag df;
-        const WordTag words;
-        FloatVector value, blue, green, red;
-        hn::LoadInterleaved4(df, &singles->value, value, blue, green, red);
-        value = hn::MulAdd(shading, hn::Set(df, shading_weight_), value);
-        value = hn::Min(hn::Max(value, hn::Zero(df)), hn::Set(df, 1.0f));
-        // Rounded to the nearest: what is truncated is a half more.
-        const auto bound = hn::Set(df, bound_);
-        const Estimate b = TruncateLessHalf(hn::Mul(blue, value), bound);
-        const Estimate g = TruncateLessHalf(hn::Mul(green, value), bound);
-        const Estimate r = TruncateLessHalf(hn::Mul(red, value), bound);
-        is_certain = hn::And(hn::And(b.is_certain, g.is_certain), r.is_certain);
-        return Above<16>(Above<8>(hn::And(b.bytes, hn::Set(words, 255)), g), r);
-    }
-
-  private:
-    float shading_weight_;
-    float bound_;
-};
-
-/// Colours exactly the lanes that an estimate leaves open.
-HWY_NOINLINE void SettlePixels(FloatMask is_certain, const std::uint8_t* indices,
-                               const std::uint8_t* shading, const HypsometricTable& table,
-                               std::uint32_t* pixels) {
-    std::array<std::uint8_t, 8> certain = {};
-    hn::StoreMaskBits(FloatTag(), is_certain, certain.data());
-    for (std::size_t i = 0; i < hn::Lanes(FloatTag()); ++i) {
-        if ((certain[i / 8] >> (i % 8) & 1) != 0) continue;
-        const BgrPixel pixel = HypsometricColor(table.entries[indices[i]], shading[i], table.blend);
-        pixels[i] = pixel[0] | std::uint32_t{pixel[1]} << 8 | std::uint32_t{pixel[2]} << 16;
+/// Copies the pixels' entries. By ordinary loads, which are no slower than vector gathers.
+HWY_INLINE void GatherEntries(const std::uint8_t* indices, std::size_t count,
+                              const HypsometricTable& table, double* entries) {
+    const hn::CappedTag<double, 4> d;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double* from = &table.entries[indices[i]].value;
+        for (std::size_t part = 0; part < 4; part += hn::Lanes(d))
+            hn::Store(hn::Load(d, from + part), d, entries + 4 * i + part);
     }
 }
 
 std::size_t ColorPixels(const std::uint8_t* indices, const std::uint8_t* shading, std::size_t count,
                         const HypsometricTable& table, std::uint32_t* pixels) {
-    const FloatTag df;
-    const ByteTag bytes;
+    const DoubleTag d;
     const WordTag words;
     const hn::RebindToSigned<WordTag> whole;
-    const std::size_t lanes = hn::Lanes(df);
-    const ColorKernel kernel(table.blend);
-    // Gathered by ordinary loads, which are no slower than vector gathers.
-    std::array<HypsometricTable::Single, kHypsometricRun> singles;
-    for (std::size_t i = 0; i < count; ++i)
-        std::memcpy(&singles[i], &table.singles[indices[i]], sizeof singles[i]);
+    const hn::Rebind<std::uint8_t, DoubleTag> bytes;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto shading_weight = hn::Set(d, table.blend.shading_weight);
+    alignas(64) std::array<double, 4 * kHypsometricRun> entries;
+    GatherEntries(indices, count, table, entries.data());
     std::size_t i = 0;
     for (; i + lanes <= count; i += lanes) {
-        FloatMask is_certain;
-        const auto shade = hn::ConvertTo(df, hn::PromoteTo(whole, hn::LoadU(bytes, shading + i)));
-        hn::StoreU(kernel(&singles[i], shade, is_certain), words, pixels + i);
-        if (HWY_UNLIKELY(!hn::AllTrue(df, is_certain)))
-            SettlePixels(is_certain, indices + i, shading + i, table, pixels + i);
+        DoubleVector value, blue, green, red;
+        hn::LoadInterleaved4(d, entries.data() + 4 * i, value, blue, green, red);
+        const auto shade = hn::PromoteTo(d, hn::PromoteTo(whole, hn::LoadU(bytes, shading + i)));
+        value = hn::Add(value, hn::Mul(hn::Mul(shade, shading_weight), hn::Set(d, kOver255)));
+        value = hn::Min(hn::Max(value, hn::Zero(d)), hn::Set(d, 1.0));
+        const auto pixel = hn::Or(Bytes(blue, value), hn::Or(hn::ShiftLeft<8>(Bytes(green, value)),
+                                                             hn::ShiftLeft<16>(Bytes(red, value))));
+        hn::StoreU(pixel, words, pixels + i);
     }
     return i;
 }

@@ -163,11 +163,12 @@ TEST(Hypsometric, EveryIndexAndShadeAsTheFormula) {
                                               0xffff, 0x808080, 0x010101, 0xfe0102, 0x123456};
     for (std::size_t i = 10; i < palette.size(); ++i)
         palette[i] = static_cast<std::uint32_t>(random());
-    constexpr std::size_t kPairs = 65536 + 13;
+    // Enough for the way of many pixels, in which each pair comes up.
+    constexpr std::size_t kPairs = 7 * 65536 + 13;
     std::vector<std::uint8_t> indices(kPairs);
     std::vector<std::uint8_t> shades(kPairs);
     for (std::size_t i = 0; i < kPairs; ++i) {
-        indices[i] = static_cast<std::uint8_t>(i >> 8);
+        indices[i] = static_cast<std::uint8_t>(i / 256);
         shades[i] = static_cast<std::uint8_t>(i);
     }
     const double none = std::nan("");
