@@ -45,8 +45,8 @@
  *   image from two threads at once is for the host to avoid. Work runs on the caller's thread.
  *
  * This version
- *   Built: handles, creation, pixels, palettes, depth conversions, the BMP and QVI formats, plain
- *   array allocation and the settings. The functions from "Display and desktop" on are exported
+ *   Built: handles, creation, pixels, palettes, depth conversions, the BMP and QVI formats, all
+ *   functions on typed arrays and the settings. The functions from "Display and desktop" on are exported
  *   but not built yet: each returns its failure value (0, or null for a pointer; those without a
  *   result do nothing) and touches none of its arguments.
  */
@@ -364,6 +364,165 @@ RASTREL_API void RASTREL_CALL Rastrel_DeleteArrayShort(int16_t* array);
 RASTREL_API void RASTREL_CALL Rastrel_DeleteArrayInt(int32_t* array);
 RASTREL_API void RASTREL_CALL Rastrel_DeleteArrayFloat(float* array);
 
+/* ---- Statistics and stretch of typed arrays ------------------------------------------------- */
+
+/*
+ * A typed array is one block of rows x columns samples of the host's, row after row without padding,
+ * the top row first: unsigned bytes, shorts, ints or floats, as the function's suffix says. These
+ * functions allocate nothing and check nothing: pointers and sizes are trusted, counts below 1 are
+ * empty arrays, and outputs must not overlap inputs. Their results have the same bits in every
+ * module and on every machine.
+ */
+
+/*
+ * Statistics of the samples of every step-th row and column from the first ones on; steps below 1
+ * are 1. Mean; standard deviation of a sample (divisor n - 1), not a number (0/0) for a single one;
+ * the Ex form with minimum and maximum, which are 1e300 and -1e300 where there are no samples. The
+ * mean of none is not a number. Exact up to a last rounding for bytes and shorts, within 1e-12 for
+ * ints and floats. A float that is not a number makes mean and deviation such, and counts for no
+ * extreme.
+ */
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsByte(const uint8_t* source, int rows, int columns,
+                                                     int step, double* mean, double* deviation);
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsShort(const int16_t* source, int rows, int columns,
+                                                      int step, double* mean, double* deviation);
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsInt(const int32_t* source, int rows, int columns,
+                                                    int step, double* mean, double* deviation);
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsFloat(const float* source, int rows, int columns,
+                                                      int step, double* mean, double* deviation);
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsExByte(const uint8_t* source, int rows, int columns,
+                                                       int step, double* minimum, double* mean,
+                                                       double* maximum, double* deviation);
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsExShort(const int16_t* source, int rows,
+                                                        int columns, int step, double* minimum,
+                                                        double* mean, double* maximum,
+                                                        double* deviation);
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsExInt(const int32_t* source, int rows, int columns,
+                                                      int step, double* minimum, double* mean,
+                                                      double* maximum, double* deviation);
+RASTREL_API void RASTREL_CALL Rastrel_StatisticsExFloat(const float* source, int rows, int columns,
+                                                        int step, double* minimum, double* mean,
+                                                        double* maximum, double* deviation);
+
+/*
+ * Maps samples to bytes linearly: 0 up to low, 255 from high on, (v - low) * 255 / (high - low)
+ * truncated between them; 0 for what is not a number. Low and high are mean - k deviations and mean
+ * + k deviations of all samples. The Ex form, which stores the bounds it used, takes the minimum and
+ * maximum for k <= 0. Where all samples are equal they become 0.
+ */
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchByte(uint8_t* output, const uint8_t* source,
+                                                        int rows, int columns, double k);
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchShort(uint8_t* output, const int16_t* source,
+                                                         int rows, int columns, double k);
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchInt(uint8_t* output, const int32_t* source,
+                                                       int rows, int columns, double k);
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchFloat(uint8_t* output, const float* source,
+                                                         int rows, int columns, double k);
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExByte(uint8_t* output, const uint8_t* source,
+                                                          int rows, int columns, double k,
+                                                          double* low, double* high);
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExShort(uint8_t* output, const int16_t* source,
+                                                           int rows, int columns, double k,
+                                                           double* low, double* high);
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExInt(uint8_t* output, const int32_t* source,
+                                                         int rows, int columns, double k,
+                                                         double* low, double* high);
+RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExFloat(uint8_t* output, const float* source,
+                                                           int rows, int columns, double k,
+                                                           double* low, double* high);
+
+/* ---- Terrain and smoothing of typed arrays -------------------------------------------------- */
+
+/*
+ * Derivatives of an elevation grid by the 3 x 3 gradients of B. K. P. Horn ("Hill shading and the
+ * reflectance map", Proceedings of the IEEE 69, 1981): with the eight neighbours z1 z2 z3 / z4 . z6
+ * / z7 z8 z9 of a cell, the upper row first,
+ *     gx = ((z3 + 2 z6 + z9) - (z1 + 2 z4 + z7)) * scale / 8
+ *     gy = ((z7 + 2 z8 + z9) - (z1 + 2 z2 + z3)) * scale / 8
+ * in double precision. Scale 1 / cell size (times any exaggeration) gives rise over run where
+ * heights and cells have the same unit; below 0 it turns the ground over. Every sample counts: there
+ * is no value for missing data. The outermost cells, which lack neighbours, get a fixed value.
+ *
+ * Hillshading: 0 in the shade to 255 facing the light, sin(altitude) cos(slope) + cos(altitude)
+ * sin(slope) cos(aspect - azimuth), times 255 and rounded, with slope = atan(sqrt(gx^2 + gy^2)) and
+ * aspect = atan2(-gx, -gy); altitude above the horizon and azimuth in degrees. Border 255. 0 where
+ * a neighbour is not a number.
+ *
+ * Slope: atan(sqrt(gx^2 + gy^2)) in whole degrees, truncated. Border 0; 0 where a neighbour is not a
+ * number.
+ *
+ * Aspect: classes of 45 degrees around 0 = rising toward the first row, 2 = toward the first column,
+ * 4 = toward the last row, 6 = toward the last column; 8 on level ground and the border. Cells
+ * between 337.5 and 337.7 degrees, and where a neighbour is not a number, are not written.
+ *
+ * Azimuths and classes are compass bearings for arrays whose first row is the southern one. For one
+ * whose first row is the northern one, give 180 - azimuth, and read class c as (12 - c) modulo 8.
+ */
+RASTREL_API void RASTREL_CALL Rastrel_HillshadingByte(uint8_t* output, const uint8_t* input,
+                                                      int rows, int columns, double altitude,
+                                                      double azimuth, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_HillshadingShort(uint8_t* output, const int16_t* input,
+                                                       int rows, int columns, double altitude,
+                                                       double azimuth, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_HillshadingInt(uint8_t* output, const int32_t* input,
+                                                     int rows, int columns, double altitude,
+                                                     double azimuth, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_HillshadingFloat(uint8_t* output, const float* input,
+                                                       int rows, int columns, double altitude,
+                                                       double azimuth, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_SlopeByte(uint8_t* output, const uint8_t* input, int rows,
+                                                int columns, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_SlopeShort(uint8_t* output, const int16_t* input, int rows,
+                                                 int columns, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_SlopeInt(uint8_t* output, const int32_t* input, int rows,
+                                               int columns, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_SlopeFloat(uint8_t* output, const float* input, int rows,
+                                                 int columns, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_AspectByte(uint8_t* output, const uint8_t* input, int rows,
+                                                 int columns, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_AspectShort(uint8_t* output, const int16_t* input, int rows,
+                                                  int columns, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_AspectInt(uint8_t* output, const int32_t* input, int rows,
+                                                int columns, double scale);
+RASTREL_API void RASTREL_CALL Rastrel_AspectFloat(uint8_t* output, const float* input, int rows,
+                                                  int columns, double scale);
+
+/*
+ * Hypsometric colours: each index takes its colour of a palette of 256 (red in the lowest byte, then
+ * green and blue; the highest is ignored), whose value, as in hue, saturation and value (A. R. Smith,
+ * "Color gamut transform pairs", 1978), becomes value * weight + shading / 255 * (1 - weight), at
+ * least 0 and at most 1: weight 1 keeps the colours, 0 takes the brightness of the shading. Indices
+ * and shading hold a byte for each cell; the output holds three, blue, green and red.
+ */
+RASTREL_API void RASTREL_CALL Rastrel_Ipsometry(uint8_t* output, const uint8_t* indices,
+                                                const uint8_t* shading, double weight, int rows,
+                                                int columns, const uint32_t* palette);
+
+/*
+ * Smoothing: a twelfth of the sum of the eight neighbours and four times the cell itself; the
+ * outermost cells are copied. Whole samples are summed in 32 bits, which wrap for ints beyond 2^31 /
+ * 12, and the result is truncated toward zero; floats are summed in double precision.
+ */
+RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Byte(uint8_t* output, const uint8_t* input,
+                                                       int rows, int columns);
+RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Short(int16_t* output, const int16_t* input,
+                                                        int rows, int columns);
+RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Int(int32_t* output, const int32_t* input,
+                                                      int rows, int columns);
+RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Float(float* output, const float* input, int rows,
+                                                        int columns);
+
+/*
+ * Masks of a byte for each cell. Mask: the input byte where the mask is not 0, else 0. Mask24: the
+ * input's three bytes (blue, green, red) where the mask is not 0, for invert other than 0 where it is
+ * 0, and elsewhere the colour (red in the lowest byte).
+ */
+RASTREL_API void RASTREL_CALL Rastrel_Mask(uint8_t* output, const uint8_t* input,
+                                           const uint8_t* mask, int rows, int columns);
+RASTREL_API void RASTREL_CALL Rastrel_Mask24(uint8_t* output, const uint8_t* input,
+                                             const uint8_t* mask, int rows, int columns,
+                                             uint32_t color, int invert);
+
 /* ---- Settings ------------------------------------------------------------------------------- */
 
 /*
@@ -482,124 +641,6 @@ RASTREL_API int RASTREL_CALL Rastrel_ReadGeoref(const char* name, double* x, dou
                                                 double* pixel_size);
 RASTREL_API int RASTREL_CALL Rastrel_WriteGeoref(const char* name, double x, double y,
                                                  double pixel_size);
-
-/* ---- Statistics and stretch of typed arrays ------------------------------------------------- */
-
-/*
- * Mean and standard deviation (divisor n - 1) of every step-th row and column of rows x columns
- * samples; the Ex form with extremes.
- */
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsByte(const uint8_t* source, int rows, int columns,
-                                                     int step, double* mean, double* deviation);
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsShort(const int16_t* source, int rows, int columns,
-                                                      int step, double* mean, double* deviation);
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsInt(const int32_t* source, int rows, int columns,
-                                                    int step, double* mean, double* deviation);
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsFloat(const float* source, int rows, int columns,
-                                                      int step, double* mean, double* deviation);
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsExByte(const uint8_t* source, int rows, int columns,
-                                                       int step, double* minimum, double* mean,
-                                                       double* maximum, double* deviation);
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsExShort(const int16_t* source, int rows,
-                                                        int columns, int step, double* minimum,
-                                                        double* mean, double* maximum,
-                                                        double* deviation);
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsExInt(const int32_t* source, int rows, int columns,
-                                                      int step, double* minimum, double* mean,
-                                                      double* maximum, double* deviation);
-RASTREL_API void RASTREL_CALL Rastrel_StatisticsExFloat(const float* source, int rows, int columns,
-                                                        int step, double* minimum, double* mean,
-                                                        double* maximum, double* deviation);
-
-/*
- * Maps samples to bytes linearly between low = mean - k deviations and high = mean + k deviations.
- * The Ex form reports the bounds, and with k <= 0 takes the minimum and maximum for them.
- */
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchByte(uint8_t* output, const uint8_t* source,
-                                                        int rows, int columns, double k);
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchShort(uint8_t* output, const int16_t* source,
-                                                         int rows, int columns, double k);
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchInt(uint8_t* output, const int32_t* source,
-                                                       int rows, int columns, double k);
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchFloat(uint8_t* output, const float* source,
-                                                         int rows, int columns, double k);
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExByte(uint8_t* output, const uint8_t* source,
-                                                          int rows, int columns, double k,
-                                                          double* low, double* high);
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExShort(uint8_t* output, const int16_t* source,
-                                                           int rows, int columns, double k,
-                                                           double* low, double* high);
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExInt(uint8_t* output, const int32_t* source,
-                                                         int rows, int columns, double k,
-                                                         double* low, double* high);
-RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExFloat(uint8_t* output, const float* source,
-                                                           int rows, int columns, double k,
-                                                           double* low, double* high);
-
-/* ---- Terrain and smoothing of typed arrays -------------------------------------------------- */
-
-/*
- * Derivatives of an elevation grid of rows x columns samples by the 3 x 3 gradient of B. K. P. Horn
- * ("Hill Shading and the Reflectance Map", 1981), times scale. Hillshading 0..255 for a light at
- * altitude and azimuth in degrees (border 255); slope in whole degrees (border 0); aspect in eight
- * classes clockwise from north, 8 flat (border 8).
- */
-RASTREL_API void RASTREL_CALL Rastrel_HillshadingByte(uint8_t* output, const uint8_t* input,
-                                                      int rows, int columns, double altitude,
-                                                      double azimuth, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_HillshadingShort(uint8_t* output, const int16_t* input,
-                                                       int rows, int columns, double altitude,
-                                                       double azimuth, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_HillshadingInt(uint8_t* output, const int32_t* input,
-                                                     int rows, int columns, double altitude,
-                                                     double azimuth, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_HillshadingFloat(uint8_t* output, const float* input,
-                                                       int rows, int columns, double altitude,
-                                                       double azimuth, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_SlopeByte(uint8_t* output, const uint8_t* input, int rows,
-                                                int columns, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_SlopeShort(uint8_t* output, const int16_t* input, int rows,
-                                                 int columns, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_SlopeInt(uint8_t* output, const int32_t* input, int rows,
-                                               int columns, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_SlopeFloat(uint8_t* output, const float* input, int rows,
-                                                 int columns, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_AspectByte(uint8_t* output, const uint8_t* input, int rows,
-                                                 int columns, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_AspectShort(uint8_t* output, const int16_t* input, int rows,
-                                                  int columns, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_AspectInt(uint8_t* output, const int32_t* input, int rows,
-                                                int columns, double scale);
-RASTREL_API void RASTREL_CALL Rastrel_AspectFloat(uint8_t* output, const float* input, int rows,
-                                                  int columns, double scale);
-
-/*
- * Colours a grid of palette indices (256 colours, red in the lowest byte) and blends its brightness
- * with a shading grid: weight 1 keeps the colours, 0 takes the shading. Output: blue, green, red.
- */
-RASTREL_API void RASTREL_CALL Rastrel_Ipsometry(uint8_t* output, const uint8_t* indices,
-                                                const uint8_t* shading, double weight, int rows,
-                                                int columns, const uint32_t* palette);
-
-/* 3 x 3 mean with the centre weighing 4 of 12; the border is copied. */
-RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Byte(uint8_t* output, const uint8_t* input,
-                                                       int rows, int columns);
-RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Short(int16_t* output, const int16_t* input,
-                                                        int rows, int columns);
-RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Int(int32_t* output, const int32_t* input,
-                                                      int rows, int columns);
-RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Float(float* output, const float* input, int rows,
-                                                        int columns);
-
-/*
- * Keeps the input where the 8-bit mask is not 0 and writes 0, or for the 24-bit form the colour
- * (red in the lowest byte), elsewhere; invert turns the mask over.
- */
-RASTREL_API void RASTREL_CALL Rastrel_Mask(uint8_t* output, const uint8_t* input,
-                                           const uint8_t* mask, int rows, int columns);
-RASTREL_API void RASTREL_CALL Rastrel_Mask24(uint8_t* output, const uint8_t* input,
-                                             const uint8_t* mask, int rows, int columns,
-                                             uint32_t color, int invert);
 
 /* ---- Compositing ---------------------------------------------------------------------------- */
 

@@ -50,9 +50,9 @@ template <class Sample>
 /// Whole degrees, truncated; 0 where the gradient is not a number.
 [[nodiscard]] std::uint8_t Slope(const Gradient& gradient);
 
-/// The direction that the ground falls to, in eight classes clockwise from north, 8 on level
-/// ground. None between 337.5 and 337.7 degrees, which no class claims, nor where the gradient is
-/// not a number.
+/// The bearing that the ground falls to, were the first row the southern one, in eight classes
+/// clockwise from north; 8 on level ground. None between 337.5 and 337.7 degrees, which no class
+/// claims, nor where the gradient is not a number.
 [[nodiscard]] std::optional<std::uint8_t> Aspect(const Gradient& gradient);
 
 }  // namespace plain
