@@ -2,10 +2,12 @@
 // formula and against memcpy of the bytes read and written. The caches are emptied before each run.
 
 #include <benchmark/benchmark.h>
+#include <hwy/targets.h>
 
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "process/hypsometric_plain.h"
@@ -82,10 +84,34 @@ void AddOne(const std::string& name, Run run) {
     benchmark::RegisterBenchmark(name.c_str(), run);
 }
 
+/// Makes the library use one set of instructions until it ends.
+class ChosenTarget {
+  public:
+    explicit ChosenTarget(std::int64_t target) { hwy::GetChosenTarget().Update(target); }
+    ChosenTarget(const ChosenTarget&) = delete;
+    ChosenTarget& operator=(const ChosenTarget&) = delete;
+    ~ChosenTarget() { hwy::GetChosenTarget().Update(hwy::SupportedTargets()); }
+};
+
+/// The library's form, with the best instructions that there are and with older ones alone.
+template <class Run>
+void AddLibrary(const std::string& subject, Run run) {
+    AddOne(subject + "/rastrel", run);
+    const std::pair<const char*, std::int64_t> targets[] = {{"/rastrel, AVX2", HWY_AVX2},
+                                                            {"/rastrel, SSE4", HWY_SSE4}};
+    for (const auto& [name, target] : targets) {
+        if ((hwy::SupportedTargets() & target) == 0) continue;
+        AddOne(subject + name, [run, target = target](benchmark::State& state) {
+            const ChosenTarget chosen(target);
+            run(state);
+        });
+    }
+}
+
 /// The library's form, the plain one, and the copy of one byte written for each sample read.
 template <class Sample, class Fast, class Plain>
 void AddCellwise(const std::string& subject, Fast fast, Plain plain) {
-    AddOne(subject + "/rastrel", [=](benchmark::State& state) {
+    AddLibrary(subject, [=](benchmark::State& state) {
         std::vector<std::uint8_t> out(kCells);
         const Sample* ground = Ground<Sample>().data();
         RunCold(state, [&] { fast(out.data(), ground); });
@@ -150,7 +176,7 @@ void AddTerrain(const std::string& type, Hillshade hillshade, Slope slope, Aspec
 
 template <class Sample, class Get>
 void AddStatistics(const std::string& type, Get get) {
-    AddOne("statistics_" + type + "/rastrel", [=](benchmark::State& state) {
+    AddLibrary("statistics_" + type, [=](benchmark::State& state) {
         const Sample* ground = Ground<Sample>().data();
         RunCold(state, [&] {
             Statistics s;
@@ -169,7 +195,7 @@ void AddStatistics(const std::string& type, Get get) {
 /// The whole call, and the pass that writes with the bounds given.
 template <class Sample, class Run>
 void AddStretch(const std::string& type, Run run) {
-    AddOne("stretch_" + type + "/rastrel", [=](benchmark::State& state) {
+    AddLibrary("stretch_" + type, [=](benchmark::State& state) {
         std::vector<std::uint8_t> out(kCells);
         const Sample* ground = Ground<Sample>().data();
         RunCold(state, [&] { run(out.data(), ground, kSide, kSide, 2.0); });
@@ -189,7 +215,7 @@ void AddStretch(const std::string& type, Run run) {
 
 template <class Sample, class Run>
 void AddSmoothing(const std::string& type, Run run) {
-    AddOne("smooth_" + type + "/rastrel", [=](benchmark::State& state) {
+    AddLibrary("smooth_" + type, [=](benchmark::State& state) {
         std::vector<Sample> out(kCells);
         const Sample* ground = Ground<Sample>().data();
         RunCold(state, [&] { run(out.data(), ground, kSide, kSide); });
@@ -209,7 +235,7 @@ void AddSmoothing(const std::string& type, Run run) {
 }
 
 void AddIpsometry() {
-    AddOne("ipsometry/rastrel", [](benchmark::State& state) {
+    AddLibrary("ipsometry", [](benchmark::State& state) {
         const auto palette = Palette();
         std::vector<std::uint8_t> out(kCells * 3);
         const std::uint8_t* ground = Ground<std::uint8_t>().data();
@@ -236,14 +262,14 @@ void AddIpsometry() {
 }
 
 void AddMasks() {
-    AddOne("mask/rastrel", [](benchmark::State& state) {
+    AddLibrary("mask", [](benchmark::State& state) {
         std::vector<std::uint8_t> out(kCells);
         RunCold(state, [&] {
             Rastrel_Mask(out.data(), Ground<std::uint8_t>().data(), Shading().data(), kSide, kSide);
         });
     });
     AddOne("mask/memcpy", [](benchmark::State& state) { Copy(state, 2, 1); });
-    AddOne("mask_24/rastrel", [](benchmark::State& state) {
+    AddLibrary("mask_24", [](benchmark::State& state) {
         const std::vector<std::uint8_t> in(kCells * 3, 9);
         std::vector<std::uint8_t> out(kCells * 3);
         RunCold(state, [&] {

@@ -68,28 +68,29 @@ struct ByteSmoothing {
     }
 };
 
-/// Sums of shorts, of at most 19 bits, are exact as floats, and a twelfth of one, half a unit off
-/// every whole value, is truncated rightly in spite of the product's rounding. The formula gives
-/// the whole part for all such sums: its factor is 2^-54 of itself below a twelfth, so that
-/// multiples of 12 are rounded back to whole values.
+/// Sums of shorts have at most 19 bits: exact as floats. Times a little more than a twelfth, by
+/// 2^-21 of it, multiples of 12 come out just above their quotient in spite of the rounding, and
+/// the others, a twelfth or more below the next whole value, stay below it. The formula, whose
+/// factor is 2^-54 of itself below a twelfth, gives the whole part, too: it rounds multiples of 12
+/// back.
 struct ShortSmoothing {
     using Tag = hn::ScalableTag<std::int32_t>;
 
     HWY_INLINE void operator()(const ThreeRows<std::int16_t>& at, std::int16_t* out) const {
+        constexpr auto kTwelfth = static_cast<float>((1 + 0x1p-21) / 12);
         const Tag d;
         const hn::RebindToFloat<Tag> df;
         const hn::Rebind<std::int16_t, Tag> shorts;
         const auto sum = WeightedSum(at, [&](const std::int16_t* from) HWY_ATTR {
             return hn::PromoteTo(d, hn::LoadU(shorts, from));
         });
-        const auto value = hn::ConvertTo(df, sum);
-        const auto away = hn::Add(value, hn::CopySign(hn::Set(df, 0.5f), value));
-        const auto twelfth = hn::Mul(away, hn::Set(df, 1.0f / 12));
-        hn::StoreU(hn::DemoteTo(shorts, hn::ConvertTo(d, twelfth)), shorts, out);
+        const auto value = hn::Mul(hn::ConvertTo(df, sum), hn::Set(df, kTwelfth));
+        hn::StoreU(hn::DemoteTo(shorts, hn::ConvertTo(d, value)), shorts, out);
     }
 };
 
-/// 32-bit sums wrap as the plain form's do; the rest is the formula.
+/// 32-bit sums wrap as the plain form's do. The whole part of a twelfth, which is what the formula
+/// gives, is sum * ceil(2^33 / 12) / 2^33, and one more for negative sums.
 struct IntSmoothing {
     using Tag = hn::ScalableTag<std::int32_t>;
 
@@ -97,17 +98,11 @@ struct IntSmoothing {
         const Tag d;
         const auto sum =
             WeightedSum(at, [&](const std::int32_t* from) HWY_ATTR { return hn::LoadU(d, from); });
-        const auto low = Twelfth(hn::LowerHalf(sum));
-        const auto high = Twelfth(hn::UpperHalf(hn::Half<Tag>(), sum));
-        hn::StoreU(hn::Combine(d, high, low), d, out);
-    }
-
-  private:
-    template <class V>
-    HWY_INLINE static V Twelfth(V sum) {
-        const hn::DFromV<V> half;
-        const hn::Rebind<double, decltype(half)> d;
-        return hn::DemoteTo(half, hn::Mul(hn::PromoteTo(d, sum), hn::Set(d, kSmoothingFactor)));
+        const auto factor = hn::Set(d, 0x2aaaaaab);
+        const auto even = hn::BitCast(d, hn::MulEven(sum, factor));
+        const auto odd = hn::BitCast(d, hn::MulEven(hn::DupOdd(sum), factor));
+        const auto quotient = hn::ShiftRight<1>(hn::OddEven(odd, hn::DupOdd(even)));
+        hn::StoreU(hn::Sub(quotient, hn::ShiftRight<31>(sum)), d, out);
     }
 };
 
