@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "arrays.h"
 #include "process/hypsometric_plain.h"
 #include "process/smoothing_plain.h"
 #include "process/statistics_plain.h"
@@ -21,24 +22,6 @@ namespace rastrel_bench {
 namespace {
 
 using namespace rastrel;
-
-constexpr int kSide = 4096;
-constexpr std::size_t kCells = std::size_t{kSide} * kSide;
-constexpr double kScale = 1 / 30.0;
-
-/// Hills of all sizes from random midpoints' displacement, in the type's own range.
-template <class Sample>
-const std::vector<Sample>& Ground() {
-    static const std::vector<Sample> ground = [] {
-        const double top = sizeof(Sample) == 1 ? 250 : 2400;
-        const std::vector<float> heights = FractalHeights(kSide);
-        std::vector<Sample> samples(kCells);
-        for (std::size_t i = 0; i < kCells; ++i)
-            samples[i] = static_cast<Sample>(static_cast<double>(heights[i]) * top);
-        return samples;
-    }();
-    return ground;
-}
 
 const std::vector<std::uint8_t>& Shading() {
     static const std::vector<std::uint8_t> shading = [] {
@@ -57,31 +40,12 @@ std::vector<std::uint32_t> Palette() {
     return palette;
 }
 
-/// Runs work with cold caches.
-template <class Work>
-void RunCold(benchmark::State& state, Work work) {
-    static std::vector<std::uint8_t> other(std::size_t{96} << 20);
-    for (auto _ : state) {
-        state.PauseTiming();
-        std::memset(other.data(), static_cast<int>(state.iterations() & 255), other.size());
-        benchmark::ClobberMemory();
-        state.ResumeTiming();
-        work();
-        benchmark::ClobberMemory();
-    }
-}
-
 /// memcpy of half of the bytes that an operation reads and writes: the same traffic.
 void Copy(benchmark::State& state, std::size_t read, std::size_t written) {
     const std::size_t bytes = (read + written) * kCells / 2;
     const std::vector<std::uint8_t> from(bytes, 3);
     std::vector<std::uint8_t> to(bytes, 4);
     RunCold(state, [&] { std::memcpy(to.data(), from.data(), bytes); });
-}
-
-template <class Run>
-void AddOne(const std::string& name, Run run) {
-    benchmark::RegisterBenchmark(name.c_str(), run);
 }
 
 /// Makes the library use one set of instructions until it ends.

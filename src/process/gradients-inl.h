@@ -29,21 +29,29 @@ struct VectorGradient {
     FloatVector error;
 };
 
-/// From the eight neighbours by their differences: p = z9 - z1 and q = z3 - z7 serve both.
-template <class D, class V = hn::Vec<D>>
-HWY_INLINE void SumDifferences(V p, V q, V across, V down, V& x, V& y) {
-    x = hn::Add(hn::Add(p, q), hn::Add(across, across));
-    y = hn::Add(hn::Sub(p, q), hn::Add(down, down));
-}
+/// Of the eight neighbours: p = z9 - z1 and q = z3 - z7 serve both gradients.
+template <class D>
+struct Differences {
+    hn::Vec<D> p;
+    hn::Vec<D> q;
+    hn::Vec<D> across;
+    hn::Vec<D> down;
 
-/// Loads the eight neighbours of a vector of cells with load(address).
+    [[nodiscard]] HWY_INLINE hn::Vec<D> X() const {
+        return hn::Add(hn::Add(p, q), hn::Add(across, across));
+    }
+    [[nodiscard]] HWY_INLINE hn::Vec<D> Y() const {
+        return hn::Add(hn::Sub(p, q), hn::Add(down, down));
+    }
+};
+
+/// Loads the neighbours of a vector of cells with load(address).
 template <class D, class Sample, class Load>
-HWY_INLINE void LoadDifferences(const ThreeRows<Sample>& at, Load load, hn::Vec<D>& p,
-                                hn::Vec<D>& q, hn::Vec<D>& across, hn::Vec<D>& down) {
-    p = hn::Sub(load(at.below + 1), load(at.above - 1));
-    q = hn::Sub(load(at.above + 1), load(at.below - 1));
-    across = hn::Sub(load(at.middle + 1), load(at.middle - 1));
-    down = hn::Sub(load(at.below), load(at.above));
+HWY_INLINE Differences<D> LoadDifferences(const ThreeRows<Sample>& at, Load load) {
+    return {hn::Sub(load(at.below + 1), load(at.above - 1)),
+            hn::Sub(load(at.above + 1), load(at.below - 1)),
+            hn::Sub(load(at.middle + 1), load(at.middle - 1)),
+            hn::Sub(load(at.below), load(at.above))};
 }
 
 /// Bytes: gradients are at most 1,020 and exact in 16-bit lanes.
@@ -53,14 +61,11 @@ struct ByteGradients {
         const hn::Rebind<std::int32_t, FloatTag> d32;
         using D16 = hn::Rebind<std::int16_t, FloatTag>;
         const hn::Rebind<std::uint8_t, FloatTag> d8;
-        hn::Vec<D16> p, q, across, down, x, y;
-        LoadDifferences<D16>(
-            at,
-            [d8](const std::uint8_t* from) { return hn::PromoteTo(D16(), hn::LoadU(d8, from)); }, p,
-            q, across, down);
-        SumDifferences<D16>(p, q, across, down, x, y);
-        return {hn::ConvertTo(df, hn::PromoteTo(d32, x)), hn::ConvertTo(df, hn::PromoteTo(d32, y)),
-                hn::Zero(df)};
+        const auto z = LoadDifferences<D16>(at, [d8](const std::uint8_t* from) HWY_ATTR {
+            return hn::PromoteTo(D16(), hn::LoadU(d8, from));
+        });
+        return {hn::ConvertTo(df, hn::PromoteTo(d32, z.X())),
+                hn::ConvertTo(df, hn::PromoteTo(d32, z.Y())), hn::Zero(df)};
     }
 };
 
@@ -71,19 +76,14 @@ struct WholeGradients {
         const FloatTag df;
         using D32 = hn::Rebind<std::int32_t, FloatTag>;
         const hn::Rebind<Sample, FloatTag> samples;
-        hn::Vec<D32> p, q, across, down, x, y;
-        LoadDifferences<D32>(
-            at,
-            [samples](const Sample* from) {
-                const auto loaded = hn::LoadU(samples, from);
-                if constexpr (std::is_same_v<Sample, std::int32_t>)
-                    return loaded;
-                else
-                    return hn::PromoteTo(D32(), loaded);
-            },
-            p, q, across, down);
-        SumDifferences<D32>(p, q, across, down, x, y);
-        return {hn::ConvertTo(df, x), hn::ConvertTo(df, y), hn::Zero(df)};
+        const auto z = LoadDifferences<D32>(at, [samples](const Sample* from) HWY_ATTR {
+            const auto loaded = hn::LoadU(samples, from);
+            if constexpr (std::is_same_v<Sample, std::int32_t>)
+                return loaded;
+            else
+                return hn::PromoteTo(D32(), loaded);
+        });
+        return {hn::ConvertTo(df, z.X()), hn::ConvertTo(df, z.Y()), hn::Zero(df)};
     }
 };
 
@@ -96,14 +96,13 @@ struct FloatGradients {
 
     HWY_INLINE VectorGradient operator()(const ThreeRows<float>& at) const {
         const FloatTag df;
-        FloatVector p, q, across, down, x, y;
-        LoadDifferences<FloatTag>(
-            at, [df](const float* from) { return hn::LoadU(df, from); }, p, q, across, down);
-        SumDifferences<FloatTag>(p, q, across, down, x, y);
-        const auto straight = hn::Add(hn::Abs(across), hn::Abs(down));
-        const auto oblique = hn::Add(hn::Abs(p), hn::Abs(q));
+        const auto z = LoadDifferences<FloatTag>(
+            at, [df](const float* from) HWY_ATTR { return hn::LoadU(df, from); });
+        const auto straight = hn::Add(hn::Abs(z.across), hn::Abs(z.down));
+        const auto oblique = hn::Add(hn::Abs(z.p), hn::Abs(z.q));
         const auto size = hn::Add(oblique, hn::Add(straight, straight));
-        return {x, y, hn::MulAdd(size, hn::Set(df, 0x1p-22f), hn::Set(df, formula_error))};
+        const auto error = hn::MulAdd(size, hn::Set(df, 0x1p-22f), hn::Set(df, formula_error));
+        return {z.X(), z.Y(), error};
     }
     float formula_error;
 };
@@ -114,23 +113,24 @@ template <class Sample>
 struct DoubleGradients {
     HWY_INLINE VectorGradient operator()(const ThreeRows<Sample>& at) const {
         const FloatTag df;
-        const hn::Half<FloatTag> half;
-        FloatVector x, y;
-        hn::Vec<decltype(half)> x_low, y_low, x_high, y_high;
-        Sums(at, x_low, y_low);
-        Sums(at.At(hn::Lanes(half)), x_high, y_high);
-        return {hn::Combine(df, x_high, x_low), hn::Combine(df, y_high, y_low), hn::Zero(df)};
+        const Half half;
+        const auto low = SumsOf(at);
+        const auto high = SumsOf(at.At(hn::Lanes(half)));
+        return {hn::Combine(df, high.x, low.x), hn::Combine(df, high.y, low.y), hn::Zero(df)};
     }
 
   private:
-    template <class V>
-    HWY_INLINE static void Sums(const ThreeRows<Sample>& at, V& x, V& y) {
-        const hn::Half<FloatTag> half;
-        const hn::Rebind<double, decltype(half)> d;
-        const hn::Rebind<Sample, decltype(half)> samples;
-        const auto load = [&](const Sample* from) {
-            return hn::PromoteTo(d, hn::LoadU(samples, from));
-        };
+    using Half = hn::Half<FloatTag>;
+    struct Sums {
+        hn::Vec<Half> x;
+        hn::Vec<Half> y;
+    };
+
+    HWY_INLINE static Sums SumsOf(const ThreeRows<Sample>& at) {
+        const hn::Rebind<double, Half> d;
+        const hn::Rebind<Sample, Half> samples;
+        const auto load = [&](const Sample* from)
+                              HWY_ATTR { return hn::PromoteTo(d, hn::LoadU(samples, from)); };
         const auto weighted = [&](auto first, auto middle, auto last) HWY_ATTR {
             return hn::Add(hn::Add(first, hn::Add(middle, middle)), last);
         };
@@ -142,8 +142,8 @@ struct DoubleGradients {
         const auto left = weighted(z1, load(at.middle - 1), z7);
         const auto lower = weighted(z7, load(at.below), z9);
         const auto upper = weighted(z1, load(at.above), z3);
-        x = hn::DemoteTo(half, hn::Sub(right, left));
-        y = hn::DemoteTo(half, hn::Sub(lower, upper));
+        return {hn::DemoteTo(Half(), hn::Sub(right, left)),
+                hn::DemoteTo(Half(), hn::Sub(lower, upper))};
     }
 };
 

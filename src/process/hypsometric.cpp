@@ -50,7 +50,7 @@ void ColorByPalette(const std::uint8_t* indices, const std::uint8_t* shading, st
 /// The colours of all pairs of an index and a shading, as words in memory of the caller's.
 class PairColors {
   public:
-    static constexpr std::size_t kBytes = 4 * 65536;
+    static constexpr std::size_t kBytes = std::size_t{4} * 65536;
 
     PairColors(const HypsometricTable& table, std::uint8_t* memory) : words_(memory) {
         std::array<std::uint8_t, 256> same;

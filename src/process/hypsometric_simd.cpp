@@ -58,7 +58,10 @@ std::size_t ColorPixels(const std::uint8_t* indices, const std::uint8_t* shading
     GatherEntries(indices, count, table, entries.data());
     std::size_t i = 0;
     for (; i + lanes <= count; i += lanes) {
-        DoubleVector value, blue, green, red;
+        auto value = hn::Zero(d);
+        auto blue = value;
+        auto green = value;
+        auto red = value;
         hn::LoadInterleaved4(d, entries.data() + 4 * i, value, blue, green, red);
         const auto shade = hn::PromoteTo(d, hn::PromoteTo(whole, hn::LoadU(bytes, shading + i)));
         value = hn::Add(value, hn::Mul(hn::Mul(shade, shading_weight), hn::Set(d, kOver255)));

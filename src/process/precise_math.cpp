@@ -203,7 +203,8 @@ constexpr std::array<DoubleDouble, kTangentSteps + 1> MakeAtans() {
     std::array<DoubleDouble, kTangentSteps + 1> atans = {};
     for (std::size_t i = 1; i < atans.size(); ++i) {
         // From (i - 1)/64 to i/64 the angle grows by atan(64 / (64^2 + i (i - 1))).
-        const auto divisor = static_cast<double>(kTangentSteps * kTangentSteps + i * (i - 1));
+        const auto divisor =
+            static_cast<double>(std::size_t{kTangentSteps} * kTangentSteps + i * (i - 1));
         const DoubleDouble step = DoubleDouble{kTangentSteps, 0} / DoubleDouble{divisor, 0};
         atans[i] = atans[i - 1] + AtanOfSmall(step);
     }

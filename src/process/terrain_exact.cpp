@@ -19,7 +19,7 @@ std::array<double, 90> MakeSlopeLimits() {
     std::uint64_t low = 0;
     for (std::size_t i = 0; i < limits.size(); ++i) {
         const std::size_t degrees = i + 1;
-        std::uint64_t high = std::bit_cast<std::uint64_t>(HUGE_VAL);
+        auto high = std::bit_cast<std::uint64_t>(HUGE_VAL);
         while (low + 1 < high) {
             const std::uint64_t middle = low + (high - low) / 2;
             const double root = std::sqrt(std::bit_cast<double>(middle));
@@ -70,15 +70,15 @@ std::uint8_t Slope(const Gradient& gradient) {
 std::uint8_t Aspect(const Gradient& gradient, std::uint8_t kept) {
     // Between tangents the class needs no angle. Where the slopes' quotient comes within 1e-12 of a
     // limit, or the bearing lies before north where not every one has a class, the formula decides.
-    constexpr double kTan22_5 = 0.41421356237309503;
+    constexpr double kLimit = 0.41421356237309503;  // tan 22.5 degrees
     constexpr double kMargin = 1e-12;
     const double east = -gradient.x;
     const double north = -gradient.y;
     const double across = std::abs(east);
     const double along = std::abs(north);
     const double size = across + along;
-    const double past_north = across - kTan22_5 * along;
-    const double past_east = along - kTan22_5 * across;
+    const double past_north = across - kLimit * along;
+    const double past_east = along - kLimit * across;
     const bool is_before_north = north > 0 && east < 0 && past_north < 0;
     const bool is_certain = std::abs(past_north) > kMargin * size &&
                             std::abs(past_east) > kMargin * size && size > 1e-290 && size < 1e290 &&

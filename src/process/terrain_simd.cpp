@@ -199,8 +199,7 @@ class AspectKernel {
             is_before_north,
             hn::And(hn::Gt(hn::Abs(past_north), bound), hn::Gt(hn::Abs(past_east), bound)));
         // Exact gradients tell level ground, which is common where steps are whole.
-        const auto is_level =
-            hn::Eq(hn::Add(hn::Add(across, along), gradient.error), zero);
+        const auto is_level = hn::Eq(hn::Add(hn::Add(across, along), gradient.error), zero);
         const auto classes = hn::IfThenElse(hn::RebindMask(words, is_level),
                                             hn::Set(words, Level()), Classes(index));
         return {classes, hn::Or(is_certain, is_level)};
@@ -238,9 +237,8 @@ HWY_NOINLINE void Settle(const ThreeRows<Sample>& at, const Kernel& kernel, Esti
     const auto lanes = hn::IfThenElse(hn::RebindMask(words, level), value, estimate.bytes);
     const auto is_certain = hn::Or(estimate.is_certain, level);
     if (hn::AllTrue(df, is_certain)) return StoreBytes(lanes, out);
-    StoreSettled({lanes, is_certain}, out, [&](std::size_t i, std::uint8_t kept) {
-        return kernel.Exact(at.At(i), kept);
-    });
+    StoreSettled({lanes, is_certain}, out,
+                 [&](std::size_t i, std::uint8_t kept) { return kernel.Exact(at.At(i), kept); });
 }
 
 template <class Sample, class Gradients, class Kernel>
