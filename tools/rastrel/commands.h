@@ -1,31 +1,29 @@
 #pragma once
 
-#include <optional>
+#include <functional>
 #include <string>
-#include <vector>
 
-#include "image.h"
+namespace CLI {
+class App;
+}
 
 namespace rastrel_cli {
 
-// Each command works through all its inputs, says on standard error which failed and why, and
-// returns whether all went well.
+/// What a command line asks for. It works through all its inputs, says on standard error which
+/// failed and why, and returns whether all went well.
+using Job = std::function<bool()>;
 
-[[nodiscard]] bool ShowInfo(const std::vector<std::string>& names, int type);
+// Each describes a command and its options to the parser. When the command is the one on the
+// command line, the job becomes its work; contradictory options throw CLI::ParseError.
 
-[[nodiscard]] bool ShowPalette(const std::vector<std::string>& names, int type);
+void AddConvertCommand(CLI::App& app, Job& job);
+void AddInfoCommand(CLI::App& app, Job& job);
+void AddPaletteCommand(CLI::App& app, Job& job);
 
-struct ConvertOptions {
-    std::vector<std::string> inputs;
-    std::string output;  ///< a file, or an existing folder
-    int input_type = -1;
-    int output_type = -1;
-    std::optional<int> depth;
-    std::optional<int> quality;
-    std::optional<Rectangle> crop;
-};
-
-[[nodiscard]] bool Convert(const ConvertOptions& options);
+/// A command that does one thing to each of several images, given by name and --from's type.
+void AddCommandOnImages(CLI::App& app, Job& job, const std::string& name,
+                        const std::string& description,
+                        std::function<bool(const std::string& name, int type)> do_one);
 
 /// Reports a failure on standard error.
 void ReportFailure(const std::string& name, const std::string& reason);

@@ -1,8 +1,11 @@
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 
 #include "commands.h"
+#include "image.h"
+#include "options.h"
 #include "progress_line.h"
 #include "reasons.h"
 #include "types.h"
@@ -12,6 +15,16 @@ namespace rastrel_cli {
 namespace {
 
 namespace fs = std::filesystem;
+
+struct ConvertOptions {
+    std::vector<std::string> inputs;
+    std::string output;  ///< a file, or an existing folder
+    int input_type = -1;
+    int output_type = -1;
+    std::optional<int> depth;
+    std::optional<int> quality;
+    std::optional<Rectangle> crop;
+};
 
 /// Where one input goes: the output itself or, when that is a folder, a file in it with the input's
 /// name and the output format's extension.
@@ -70,8 +83,6 @@ bool ConvertOne(const ConvertOptions& options, const std::string& input, Progres
     return true;
 }
 
-}  // namespace
-
 bool Convert(const ConvertOptions& options) {
     ProgressLine progress;
     bool all_well = true;
@@ -81,6 +92,40 @@ bool Convert(const ConvertOptions& options) {
         all_well = ConvertOne(options, options.inputs[i], progress, count) && all_well;
     }
     return all_well;
+}
+
+/// The last of the names is the output; several inputs need a folder there.
+void SplitNames(ConvertOptions& options) {
+    options.output = options.inputs.back();
+    options.inputs.pop_back();
+    std::error_code error;
+    if (options.inputs.size() > 1 && !fs::is_directory(options.output, error))
+        throw CLI::ValidationError(
+            "convert", "several inputs need an existing folder as output, and \"" + options.output +
+                           "\" is none");
+}
+
+}  // namespace
+
+void AddConvertCommand(CLI::App& app, Job& job) {
+    const auto options = std::make_shared<ConvertOptions>();
+    CLI::App* command = app.add_subcommand("convert", "convert images to other formats and depths");
+    AddInputTypeOption(*command, options->input_type);
+    command
+        ->add_option("file", options->inputs,
+                     "inputs, then the output: a file or an existing folder")
+        ->required()
+        ->expected(2, -1);
+    AddTypeOption(*command, "--type", options->output_type,
+                  "the output's format, not by its extension");
+    command->add_option("--depth", options->depth, "bits a pixel: 1, 8, 24 or 32")
+        ->check(CLI::IsMember({1, 8, 24, 32}));
+    command->add_option("--quality", options->quality, "the format's code for quality");
+    AddCropOption(*command, options->crop);
+    command->callback([options, &job] {
+        SplitNames(*options);
+        job = [options] { return Convert(*options); };
+    });
 }
 
 }  // namespace rastrel_cli

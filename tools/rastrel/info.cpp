@@ -1,8 +1,7 @@
 #include <fmt/format.h>
 
-#include <cstdio>
-
 #include "commands.h"
+#include "image.h"
 #include "reasons.h"
 #include "types.h"
 
@@ -57,16 +56,8 @@ bool ShowOne(const std::string& name, int type) {
 
 }  // namespace
 
-bool ShowInfo(const std::vector<std::string>& names, int type) {
-    bool all_well = true;
-    for (const std::string& name : names)
-        all_well = ShowOne(name, type) && all_well;
-    return all_well;
-}
-
-void ReportFailure(const std::string& name, const std::string& reason) {
-    std::fflush(stdout);
-    fmt::print(stderr, "rastrel: {}: {}\n", name, reason);
+void AddInfoCommand(CLI::App& app, Job& job) {
+    AddCommandOnImages(app, job, "info", "show size, depth, format and palette of images", ShowOne);
 }
 
 }  // namespace rastrel_cli

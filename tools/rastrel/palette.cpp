@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "commands.h"
+#include "image.h"
 #include "reasons.h"
 
 namespace rastrel_cli {
@@ -26,11 +27,8 @@ bool ShowOne(const std::string& name, int type) {
 
 }  // namespace
 
-bool ShowPalette(const std::vector<std::string>& names, int type) {
-    bool all_well = true;
-    for (const std::string& name : names)
-        all_well = ShowOne(name, type) && all_well;
-    return all_well;
+void AddPaletteCommand(CLI::App& app, Job& job) {
+    AddCommandOnImages(app, job, "palette", "list the palettes of images", ShowOne);
 }
 
 }  // namespace rastrel_cli

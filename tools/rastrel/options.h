@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "image.h"
+
+namespace CLI {
+class App;
+}
+
+namespace rastrel_cli {
+
+// Options that several commands have. What they store must outlive the parsing.
+
+/// An option that takes a format's name or code and stores the code.
+void AddTypeOption(CLI::App& command, const std::string& name, int& type,
+                   const std::string& description);
+
+/// --from, for the format of input images.
+void AddInputTypeOption(CLI::App& command, int& type);
+
+/// --crop, for a rectangle.
+void AddCropOption(CLI::App& command, std::optional<Rectangle>& crop);
+
+}  // namespace rastrel_cli
