@@ -15,7 +15,7 @@ die() {
 packages_native=(cmake ninja-build g++ pkg-config python3 googletest libgtest-dev
     libhwy-dev liblzo2-dev libcli11-dev libfmt-dev)
 packages_demo=(libjpeg-turbo-progs python-matplotlib-data netpbm)
-packages_checks=(imagemagick netpbm binutils dpkg-dev)
+packages_checks=(gdal-bin imagemagick netpbm binutils dpkg-dev)
 packages_windows=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix binutils llvm lld dpkg-dev
     googletest libcli11-dev libfmt-dev)
 packages_wine=(wine64 wine fonts-wine libc6-i386 xvfb xauth util-linux)

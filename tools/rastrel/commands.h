@@ -1,11 +1,8 @@
 #pragma once
 
+#include <CLI/ConfigFwd.hpp>
 #include <functional>
 #include <string>
-
-namespace CLI {
-class App;
-}
 
 namespace rastrel_cli {
 
@@ -16,9 +13,16 @@ using Job = std::function<bool()>;
 // Each describes a command and its options to the parser. When the command is the one on the
 // command line, the job becomes its work; contradictory options throw CLI::ParseError.
 
+void AddAspectCommand(CLI::App& app, Job& job);
 void AddConvertCommand(CLI::App& app, Job& job);
+void AddHillshadeCommand(CLI::App& app, Job& job);
 void AddInfoCommand(CLI::App& app, Job& job);
 void AddPaletteCommand(CLI::App& app, Job& job);
+void AddReliefCommand(CLI::App& app, Job& job);
+void AddSlopeCommand(CLI::App& app, Job& job);
+void AddSmoothCommand(CLI::App& app, Job& job);
+void AddStatsCommand(CLI::App& app, Job& job);
+void AddStretchCommand(CLI::App& app, Job& job);
 
 /// A command that does one thing to each of several images, given by name and --from's type.
 void AddCommandOnImages(CLI::App& app, Job& job, const std::string& name,

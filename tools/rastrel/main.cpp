@@ -16,10 +16,14 @@ constexpr const char* kExamples = R"(Examples:
   rastrel convert --crop 100,50,640,480 --depth 24 sheet.bmp detail.bmp
   rastrel convert --type qvi north.bmp south.bmp archive/
   rastrel palette sheet.bmp
+  rastrel stats dem.asc
+  rastrel hillshade --azimuth 315 --altitude 45 dem.bil shade.bmp
+  rastrel relief --ramp atlas --z-factor 2 dem.asc relief.bmp
 
 Rectangles are x,y,width,height in pixels from the upper left corner.
 Formats go by their extension or code: bmp 0, jpg 1, gif 2, png 3, tif 4, qvi 5,
 bil 6, bip 7, bsq 8, sid 9, ecw 10, fot 11, map 12, gfc 13, gaf 14, jp2 15.
+Grids are read from raw samples with a .hdr (bil, bip, bsq, flt) and ESRI ASCII grids (asc, grd).
 This version reads and writes bmp and qvi.
 Exit code: 0 all went well, 1 something failed, 2 wrong usage.)";
 
@@ -33,6 +37,13 @@ int Run(int argc, char** argv) {
     AddInfoCommand(app, job);
     AddPaletteCommand(app, job);
     AddConvertCommand(app, job);
+    AddStatsCommand(app, job);
+    AddStretchCommand(app, job);
+    AddHillshadeCommand(app, job);
+    AddSlopeCommand(app, job);
+    AddAspectCommand(app, job);
+    AddReliefCommand(app, job);
+    AddSmoothCommand(app, job);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -48,6 +59,9 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fputs("rastrel: not enough memory\n", stderr);
+        return kExitFailed;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "rastrel: %s\n", error.what());
         return kExitFailed;

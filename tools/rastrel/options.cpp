@@ -1,8 +1,11 @@
 #include "options.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <charconv>
 
+#include "text.h"
 #include "types.h"
 
 namespace rastrel_cli {
@@ -36,6 +39,22 @@ void AddTypeOption(CLI::App& command, const std::string& name, int& type,
             type = *parsed;
         },
         description);
+}
+
+void AddNumberOption(CLI::App& command, const std::string& name, double& number, double least,
+                     double most, const std::string& description) {
+    command
+        .add_option_function<std::string>(
+            name,
+            [name, &number, least, most](const std::string& text) {
+                const auto parsed = ParseFinite(text);
+                if (!parsed || *parsed < least || *parsed > most)
+                    throw CLI::ValidationError(
+                        name, fmt::format("\"{}\" is no number from {} to {}", text, least, most));
+                number = *parsed;
+            },
+            fmt::format("{} ({})", description, number))
+        ->type_name("NUMBER");
 }
 
 void AddInputTypeOption(CLI::App& command, int& type) {

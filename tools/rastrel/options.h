@@ -1,13 +1,10 @@
 #pragma once
 
+#include <CLI/ConfigFwd.hpp>
 #include <optional>
 #include <string>
 
 #include "image.h"
-
-namespace CLI {
-class App;
-}
 
 namespace rastrel_cli {
 
@@ -16,6 +13,10 @@ namespace rastrel_cli {
 /// An option that takes a format's name or code and stores the code.
 void AddTypeOption(CLI::App& command, const std::string& name, int& type,
                    const std::string& description);
+
+/// An option that takes a finite number from least to most.
+void AddNumberOption(CLI::App& command, const std::string& name, double& number, double least,
+                     double most, const std::string& description);
 
 /// --from, for the format of input images.
 void AddInputTypeOption(CLI::App& command, int& type);
