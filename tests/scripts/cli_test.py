@@ -4,14 +4,9 @@
 Usage: cli_test.py [EMULATOR] PROGRAM
 """
 import os
-import pathlib
 import struct
-import subprocess
-import sys
-import tempfile
-import unittest
 
-COMMAND = []
+from cli_support import CommandLineTest, main
 
 
 def bmp(width=3, height=2, bits=24, colors=0):
@@ -25,26 +20,7 @@ def bmp(width=3, height=2, bits=24, colors=0):
             table + pixels)
 
 
-class CommandLine(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
-    def file(self, name, data):
-        (self.folder / name).write_bytes(data)
-        return name
-
-    def run_it(self, *arguments, code=0):
-        result = subprocess.run([*COMMAND, *arguments], cwd=self.folder, capture_output=True,
-                                timeout=120)
-        out, err = (text.decode().replace("\r\n", "\n") for text in (result.stdout, result.stderr))
-        self.assertEqual(result.returncode, code, f"{arguments}\n{out}\n{err}")
-        return out, err
-
-    def names(self):
-        return sorted(entry.name for entry in self.folder.iterdir())
-
+class CommandLine(CommandLineTest):
     def test_tells_its_version_and_use(self):
         out, _ = self.run_it("--version")
         self.assertRegex(out, r"^rastrel \d+\.\d+\.\d+\n$")
@@ -163,6 +139,20 @@ class CommandLine(unittest.TestCase):
         self.run_it("convert", "--type", "0", "out/a.qvi", "out")
         self.assertIn("a.bmp", os.listdir(self.folder / "out"))
 
+    def test_inputs_of_one_name_do_not_replace_each_other(self):
+        for folder in ("north", "south", "out"):
+            os.mkdir(self.folder / folder)
+        first = self.file("north/a.bmp", bmp(3, 2))
+        second = self.file("south/a.bmp", bmp(5, 5))
+        self.file("south/b.bmp", bmp(4, 4))
+        _, err = self.run_it("convert", first, second, "south/b.bmp", "out", code=1)
+        self.assertRegex(err, r"^rastrel: south/a.bmp: out.a.bmp was just made from another input\n$")
+        self.assertEqual((self.folder / "out/a.bmp").read_bytes()[18:20], b"\3\0")
+        self.assertTrue((self.folder / "out/b.bmp").exists())
+        # What an earlier run has made may be replaced.
+        self.run_it("convert", second, "out")
+        self.assertEqual((self.folder / "out/a.bmp").read_bytes()[18:20], b"\5\0")
+
     def test_what_cannot_be_saved_leaves_nothing_behind(self):
         self.file("a.bmp", bmp())
         self.file("old.bmp", b"old")
@@ -185,5 +175,4 @@ class CommandLine(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    COMMAND[:] = [os.path.abspath(part) for part in sys.argv[1:]]
-    unittest.main(argv=sys.argv[:1])
+    main()

@@ -1,13 +1,16 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
+#include <unordered_map>
 
 #include "commands.h"
 #include "image.h"
 #include "options.h"
 #include "progress_line.h"
 #include "reasons.h"
+#include "text.h"
 #include "types.h"
 
 namespace rastrel_cli {
@@ -37,6 +40,24 @@ std::string OutputName(const ConvertOptions& options, const std::string& input) 
     return (fs::path(options.output) / name).string();
 }
 
+/// The files that one run has made, so that none of them takes another's place.
+class MadeFiles {
+  public:
+    void Add(const std::string& name) { made_[LowerCase(name)].push_back(name); }
+    /// Whether the name is one of theirs, which on some systems does not depend on capitals.
+    [[nodiscard]] bool Contain(const std::string& name) const {
+        const auto alike = made_.find(LowerCase(name));
+        return alike != made_.end() &&
+               std::any_of(alike->second.begin(), alike->second.end(), [&name](const auto& made) {
+                   std::error_code error;
+                   return fs::equivalent(made, name, error) && !error;
+               });
+    }
+
+  private:
+    std::unordered_map<std::string, std::vector<std::string>> made_;
+};
+
 bool Read(const Image& image, const std::string& name, const ConvertOptions& options) {
     if (!options.crop) return Rastrel_Read(image.Handle(), name.c_str(), options.input_type) == 1;
     const Rectangle& crop = *options.crop;
@@ -56,13 +77,16 @@ std::string WhyPartNotRead(const std::string& name, const ConvertOptions& option
 }
 
 bool ConvertOne(const ConvertOptions& options, const std::string& input, ProgressLine& progress,
-                const std::string& count) {
+                const std::string& count, MadeFiles& made) {
     Image image;
     const auto fail = [&progress](const std::string& name, const std::string& reason) {
         progress.Wipe();
         ReportFailure(name, reason);
         return false;
     };
+    const std::string output = OutputName(options, input);
+    if (made.Contain(output))
+        return fail(input, fmt::format("{} was just made from another input", output));
     progress.Say(fmt::format("{}reading {}", count, input));
     if (!Read(image, input, options)) return fail(input, WhyPartNotRead(input, options));
     const int source_depth = Rastrel_GetDepth(image.Handle());
@@ -75,21 +99,22 @@ bool ConvertOne(const ConvertOptions& options, const std::string& input, Progres
                                     source_depth, *options.depth));
     }
     if (options.quality) Rastrel_SetQuality(image.Handle(), *options.quality);
-    const std::string output = OutputName(options, input);
     progress.Say(fmt::format("{}saving {}", count, output));
     if (Rastrel_Save(image.Handle(), output.c_str(), options.output_type) != 1)
         return fail(output,
                     WhyNotSaved(output, options.output_type, Rastrel_GetDepth(image.Handle())));
+    made.Add(output);
     return true;
 }
 
 bool Convert(const ConvertOptions& options) {
     ProgressLine progress;
+    MadeFiles made;
     bool all_well = true;
     for (std::size_t i = 0; i < options.inputs.size(); ++i) {
         const std::string count =
             options.inputs.size() > 1 ? fmt::format("[{}/{}] ", i + 1, options.inputs.size()) : "";
-        all_well = ConvertOne(options, options.inputs[i], progress, count) && all_well;
+        all_well = ConvertOne(options, options.inputs[i], progress, count, made) && all_well;
     }
     return all_well;
 }
