@@ -49,4 +49,10 @@ void AddOne(const std::string& name, Run run) {
     benchmark::RegisterBenchmark(name.c_str(), run);
 }
 
+/// Of a form so slow that a few runs tell its time.
+template <class Run>
+void AddSlow(const std::string& name, Run run) {
+    benchmark::RegisterBenchmark(name.c_str(), run)->Iterations(1)->Repetitions(5);
+}
+
 }  // namespace rastrel_bench

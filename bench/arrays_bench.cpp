@@ -80,7 +80,7 @@ void AddCellwise(const std::string& subject, Fast fast, Plain plain) {
         const Sample* ground = Ground<Sample>().data();
         RunCold(state, [&] { fast(out.data(), ground); });
     });
-    AddOne(subject + "/plain", [=](benchmark::State& state) {
+    AddSlow(subject + "/plain", [=](benchmark::State& state) {
         std::vector<std::uint8_t> out(kCells);
         const Grid<Sample> grid(Ground<Sample>().data(), kSide, kSide);
         RunCold(state, [&] {
@@ -115,7 +115,7 @@ void AddTerrain(const std::string& type, Hillshade hillshade, Slope slope, Aspec
         [](const ThreeRows<Sample>& at) {
             return plain::Hillshade(plain::GradientAt(at, kScale), light);
         });
-    AddOne("hillshade_" + type + "/plain, system's functions", [](benchmark::State& state) {
+    AddSlow("hillshade_" + type + "/plain, system's functions", [](benchmark::State& state) {
         std::vector<std::uint8_t> out(kCells);
         const Grid<Sample> grid(Ground<Sample>().data(), kSide, kSide);
         RunCold(state, [&] {
@@ -148,7 +148,7 @@ void AddStatistics(const std::string& type, Get get) {
             benchmark::DoNotOptimize(s);
         });
     });
-    AddOne("statistics_" + type + "/plain", [](benchmark::State& state) {
+    AddSlow("statistics_" + type + "/plain", [](benchmark::State& state) {
         const Grid<Sample> grid(Ground<Sample>().data(), kSide, kSide);
         RunCold(state, [&] { benchmark::DoNotOptimize(plain::StatisticsOf(grid, 1)); });
     });
@@ -164,7 +164,7 @@ void AddStretch(const std::string& type, Run run) {
         const Sample* ground = Ground<Sample>().data();
         RunCold(state, [&] { run(out.data(), ground, kSide, kSide, 2.0); });
     });
-    AddOne("stretch_" + type + "/plain", [](benchmark::State& state) {
+    AddSlow("stretch_" + type + "/plain", [](benchmark::State& state) {
         std::vector<std::uint8_t> out(kCells);
         const Grid<Sample> grid(Ground<Sample>().data(), kSide, kSide);
         RunCold(state, [&] {
@@ -184,7 +184,7 @@ void AddSmoothing(const std::string& type, Run run) {
         const Sample* ground = Ground<Sample>().data();
         RunCold(state, [&] { run(out.data(), ground, kSide, kSide); });
     });
-    AddOne("smooth_" + type + "/plain", [](benchmark::State& state) {
+    AddSlow("smooth_" + type + "/plain", [](benchmark::State& state) {
         std::vector<Sample> out(kCells);
         const Grid<Sample> grid(Ground<Sample>().data(), kSide, kSide);
         RunCold(state, [&] {
@@ -208,7 +208,7 @@ void AddIpsometry() {
             Rastrel_Ipsometry(out.data(), ground, shading, 0.5, kSide, kSide, palette.data());
         });
     });
-    AddOne("ipsometry/plain", [](benchmark::State& state) {
+    AddSlow("ipsometry/plain", [](benchmark::State& state) {
         const auto palette = Palette();
         const Blend blend(0.5);
         std::vector<std::uint8_t> out(kCells * 3);
