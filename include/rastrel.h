@@ -46,9 +46,10 @@
  *
  * This version
  *   Built: handles, creation, pixels, palettes, depth conversions, the BMP and QVI formats, all
- *   functions on typed arrays and the settings. The functions from "Display and desktop" on are exported
- *   but not built yet: each returns its failure value (0, or null for a pointer; those without a
- *   result do nothing) and touches none of its arguments.
+ *   functions on typed arrays, the settings, and the georeference (but for the tags inside TIFF
+ *   files). The other functions from "Display and desktop" on are exported but not built yet: each
+ *   returns its failure value (0, or null for a pointer; those without a result do nothing) and
+ *   touches none of its arguments.
  */
 #ifndef RASTREL_H_
 #define RASTREL_H_
@@ -539,7 +540,7 @@ RASTREL_API void RASTREL_CALL Rastrel_ProcessECWMessage(int flag);
 RASTREL_API int RASTREL_CALL Rastrel_SetImageHandle(int first, int second);
 
 /* ---- Display and desktop -------------------------------------------------------------------- */
-/* From here on: exported, not built yet (see "This version" above). */
+/* From here on: exported, not all built yet (see "This version" above). */
 
 /*
  * Draws at (x, y) of a device, width x height pixels (-1: the image's), from (source_x, source_y),
@@ -632,13 +633,48 @@ RASTREL_API int RASTREL_CALL Rastrel_QuickBird_Close(void);
 /* ---- Georeference --------------------------------------------------------------------------- */
 
 /*
- * The map position of the upper-left corner of the upper-left pixel and the side of the square
- * pixel on the ground, both in map units, from and to the image's companion file or header.
- * FileNameGeoref gives the companion's name; companion has room for a full path.
+ * Where an image lies on the map: X and Y of the upper-left corner of its upper-left pixel, and the
+ * side of its square pixels, all in map units. Rotation is not told. These functions take the names
+ * of images, whether or not there are such files, and no handles.
+ *
+ * The image's extension, in any case, decides where its georeference is:
+ *   tif bmp gif jpg jp2 png qvi  a world file with the extension tfw bpw gfw jgw j2w pgw qiw; for a
+ *                                TIFF without one, the tags inside the TIFF
+ *   bil bip bsq                  the keywords ULXMAP, ULYMAP and XDIM in the header (hdr); ULXMAP
+ *                                and ULYMAP are taken for the pixel's corner, not its centre
+ *   fot map gfc gaf              the header inside the image, in units of 0.1 and, for the pixel
+ *                                size, 0.0001
+ *   ecw                          inside the image; this library has no reader for it
+ *   sid                          a world file: sdw when reading; written as for other images
+ *   others                       a world file with no extension at all: an image whose own name
+ *                                has none is its own world file, which writing would replace
+ * A world file or header lies in the image's folder. The library joins folder and name with "\"
+ * even where there is no folder: the companion of a bare "sheet.tif" is "\sheet.tfw", in the root
+ * of the current drive; "./sheet.tif" has its companion beside it. Where file names tell the two
+ * apart, a companion whose extension is in upper case is read when there is none in lower case.
+ */
+
+/*
+ * Stores the companion's name, or "ECWxxx", "FOTxxx", "MAPxxx", "GFCxxx" or "GAFxxx" for images
+ * that keep their georeference inside. The buffer must have room for a full path: the length of the
+ * name and 4 bytes more are enough.
  */
 RASTREL_API int RASTREL_CALL Rastrel_FileNameGeoref(const char* name, char* companion);
+/*
+ * Reads the georeference. 0 when there is none: the outputs are then 0, 0 and 1 where a companion
+ * file is missing, and untouched where a header lacks what it should hold. A world file that opens
+ * is a success: an output whose line is missing or no number stays untouched, so that a caller can
+ * tell by setting it beforehand. Numbers that are not finite count as none. No output may be null.
+ */
 RASTREL_API int RASTREL_CALL Rastrel_ReadGeoref(const char* name, double* x, double* y,
                                                 double* pixel_size);
+/*
+ * Writes the georeference. World files are replaced whole; of a header its other lines stay, and of
+ * an image with a header inside all other bytes. 0, with every file as it was, when the file cannot
+ * be written, an image with a header inside is missing or too short, a value is not finite, or a
+ * field of such a header cannot hold a coordinate. There values are stored in whole units, half a
+ * unit rounded down; of a GFC's or GAF's pixel size only the lowest 16 bits are kept.
+ */
 RASTREL_API int RASTREL_CALL Rastrel_WriteGeoref(const char* name, double x, double y,
                                                  double pixel_size);
 

@@ -100,22 +100,6 @@ int RASTREL_CALL Rastrel_QuickBird_Close(void) {
     return 0;
 }
 
-// Georeference
-
-int RASTREL_CALL Rastrel_FileNameGeoref(const char* /*name*/, char* /*companion*/) {
-    return 0;
-}
-
-int RASTREL_CALL Rastrel_ReadGeoref(const char* /*name*/, double* /*x*/, double* /*y*/,
-                                    double* /*pixel_size*/) {
-    return 0;
-}
-
-int RASTREL_CALL Rastrel_WriteGeoref(const char* /*name*/, double /*x*/, double /*y*/,
-                                     double /*pixel_size*/) {
-    return 0;
-}
-
 // Compositing
 
 int RASTREL_CALL Rastrel_Fusion(int /*first*/, int /*second*/, int /*key_flag*/, int /*red*/,

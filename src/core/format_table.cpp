@@ -2,21 +2,9 @@
 
 #include <algorithm>
 
+#include "core/ascii.h"
+
 namespace rastrel {
-
-namespace {
-
-/// Independent of the host's locale: extensions are ASCII.
-char UpperCase(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-bool EqualsInAnyCase(std::string_view text, std::string_view upper) {
-    return std::equal(text.begin(), text.end(), upper.begin(), upper.end(),
-                      [](char a, char b) { return UpperCase(a) == b; });
-}
-
-}  // namespace
 
 const FormatRow* FindFormat(int type) {
     const auto rows = FormatTable();

@@ -8,6 +8,9 @@
 
 namespace rastrel {
 
+/// Whether a name stands for something, be it a file, a folder or a device.
+[[nodiscard]] bool FileExists(const std::string& path);
+
 /// A regular file opened for reading. Others may read and write it meanwhile.
 class InputFile {
   public:
@@ -55,6 +58,33 @@ class ReplacingFile {
     explicit ReplacingFile(std::unique_ptr<Handle> handle);
 
     std::unique_ptr<Handle> handle_;
+};
+
+/// An existing regular file whose bytes are changed where they stand.
+class UpdatedFile {
+  public:
+    enum class Access { kWrite, kReadAndWrite };
+
+    /// Null when there is no such file, it is not a regular one, or the access is not permitted.
+    static std::unique_ptr<UpdatedFile> Open(const std::string& path, Access access);
+    UpdatedFile(const UpdatedFile&) = delete;
+    UpdatedFile& operator=(const UpdatedFile&) = delete;
+    ~UpdatedFile();
+
+    /// The length in bytes when it was opened.
+    [[nodiscard]] std::uint64_t Size() const { return size_; }
+    /// Less than asked only at the end or on an error.
+    [[nodiscard]] std::size_t ReadAt(std::uint64_t position, std::span<std::uint8_t> out);
+    [[nodiscard]] bool WriteAt(std::uint64_t position, std::span<const std::uint8_t> bytes);
+    /// Adds bytes at the end; when they do not all fit, none stays.
+    [[nodiscard]] bool Append(std::span<const std::uint8_t> bytes);
+
+  private:
+    struct Handle;
+    UpdatedFile(std::unique_ptr<Handle> handle, std::uint64_t size);
+
+    std::unique_ptr<Handle> handle_;
+    std::uint64_t size_ = 0;
 };
 
 }  // namespace rastrel

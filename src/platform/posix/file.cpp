@@ -49,7 +49,40 @@ std::string ResolveLinks(const std::string& path) {
     return resolved ? std::string(resolved.get()) : path;
 }
 
+/// Reads on after every part that comes, to the end of the file or the first error.
+std::size_t ReadAllAt(int descriptor, std::uint64_t position, std::span<std::uint8_t> out) {
+    std::size_t done = 0;
+    while (done < out.size()) {
+        const ssize_t got =
+            pread(descriptor, out.data() + done, std::min(out.size() - done, kMostPerCall),
+                  static_cast<off_t>(position + done));
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+/// Opens a regular file, and tells its length; -1 for anything else.
+int OpenRegular(const std::string& path, int flags, std::uint64_t& size) {
+    // Not blocking: opening a pipe would wait for its other end.
+    const int number = open(NativePath(path).c_str(), flags | O_CLOEXEC | O_NONBLOCK);
+    if (number < 0) return -1;
+    struct stat status = {};
+    if (fstat(number, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(number);
+        return -1;
+    }
+    size = static_cast<std::uint64_t>(status.st_size);
+    return number;
+}
+
 }  // namespace
+
+bool FileExists(const std::string& path) {
+    struct stat status = {};
+    return stat(NativePath(path).c_str(), &status) == 0;
+}
 
 struct InputFile::Handle {
     Descriptor descriptor;
@@ -61,27 +94,16 @@ InputFile::InputFile(std::unique_ptr<Handle> handle, std::uint64_t size)
 InputFile::~InputFile() = default;
 
 std::unique_ptr<InputFile> InputFile::Open(const std::string& path) {
-    // Not blocking: opening a pipe would wait for somebody to write into it.
-    const int number = open(NativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    std::uint64_t size = 0;
+    const int number = OpenRegular(path, O_RDONLY, size);
     if (number < 0) return nullptr;
     std::unique_ptr<Handle> handle(new Handle{Descriptor(number)});
-    struct stat status = {};
-    if (fstat(number, &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
-    return std::unique_ptr<InputFile>(
-        new InputFile(std::move(handle), static_cast<std::uint64_t>(status.st_size)));
+    return std::unique_ptr<InputFile>(new InputFile(std::move(handle), size));
 }
 
 std::size_t InputFile::Read(std::span<std::uint8_t> out) {
-    std::size_t done = 0;
-    while (done < out.size()) {
-        const ssize_t got =
-            pread(handle_->descriptor.Number(), out.data() + done,
-                  std::min(out.size() - done, kMostPerCall), static_cast<off_t>(position_));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;
-        done += static_cast<std::size_t>(got);
-        position_ += static_cast<std::uint64_t>(got);
-    }
+    const std::size_t done = ReadAllAt(handle_->descriptor.Number(), position_, out);
+    position_ += done;
     return done;
 }
 
@@ -147,6 +169,48 @@ bool ReplacingFile::Commit() {
     if (rename(handle_->temporary.c_str(), handle_->target.c_str()) != 0) return false;
     handle_->temporary.clear();
     return true;
+}
+
+struct UpdatedFile::Handle {
+    Descriptor descriptor;
+};
+
+UpdatedFile::UpdatedFile(std::unique_ptr<Handle> handle, std::uint64_t size)
+    : handle_(std::move(handle)), size_(size) {}
+
+UpdatedFile::~UpdatedFile() = default;
+
+std::unique_ptr<UpdatedFile> UpdatedFile::Open(const std::string& path, Access access) {
+    std::uint64_t size = 0;
+    const int number = OpenRegular(path, access == Access::kWrite ? O_WRONLY : O_RDWR, size);
+    if (number < 0) return nullptr;
+    std::unique_ptr<Handle> handle(new Handle{Descriptor(number)});
+    return std::unique_ptr<UpdatedFile>(new UpdatedFile(std::move(handle), size));
+}
+
+std::size_t UpdatedFile::ReadAt(std::uint64_t position, std::span<std::uint8_t> out) {
+    return ReadAllAt(handle_->descriptor.Number(), position, out);
+}
+
+bool UpdatedFile::WriteAt(std::uint64_t position, std::span<const std::uint8_t> bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t put = pwrite(handle_->descriptor.Number(), bytes.data() + done,
+                                   std::min(bytes.size() - done, kMostPerCall),
+                                   static_cast<off_t>(position + done));
+        if (put < 0 && errno == EINTR) continue;
+        if (put <= 0) return false;
+        done += static_cast<std::size_t>(put);
+    }
+    return true;
+}
+
+bool UpdatedFile::Append(std::span<const std::uint8_t> bytes) {
+    if (WriteAt(size_, bytes)) return true;
+    // Nothing more can be done when even this fails.
+    [[maybe_unused]] const int cut =
+        ftruncate(handle_->descriptor.Number(), static_cast<off_t>(size_));
+    return false;
 }
 
 }  // namespace rastrel

@@ -33,7 +33,47 @@ class FileHandle {
 /// ReadFile and WriteFile count in 32 bits.
 constexpr std::size_t kMostPerCall = std::size_t{1} << 30;
 
+/// The position goes with every call; no file is opened for overlapped work.
+OVERLAPPED At(std::uint64_t position) {
+    OVERLAPPED at = {};
+    at.Offset = static_cast<DWORD>(position & 0xffffffffu);
+    at.OffsetHigh = static_cast<DWORD>(position >> 32);
+    return at;
+}
+
+/// Reads on after every part that comes, to the end of the file or the first error.
+std::size_t ReadAllAt(HANDLE file, std::uint64_t position, std::span<std::uint8_t> out) {
+    std::size_t done = 0;
+    while (done < out.size()) {
+        OVERLAPPED at = At(position + done);
+        DWORD got = 0;
+        const auto ask = static_cast<DWORD>(std::min(out.size() - done, kMostPerCall));
+        if (!ReadFile(file, out.data() + done, ask, &got, &at) || got == 0) break;
+        done += got;
+    }
+    return done;
+}
+
+/// Opens an existing regular file, and tells its length; INVALID_HANDLE_VALUE for anything else.
+/// Others may read and write it meanwhile.
+HANDLE OpenRegular(const std::string& path, DWORD access, std::uint64_t& size) {
+    HANDLE raw = CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                             OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (raw == INVALID_HANDLE_VALUE) return raw;
+    LARGE_INTEGER length = {};
+    if (GetFileType(raw) != FILE_TYPE_DISK || !GetFileSizeEx(raw, &length)) {
+        CloseHandle(raw);
+        return INVALID_HANDLE_VALUE;
+    }
+    size = static_cast<std::uint64_t>(length.QuadPart);
+    return raw;
+}
+
 }  // namespace
+
+bool FileExists(const std::string& path) {
+    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
 
 struct InputFile::Handle {
     FileHandle file;
@@ -45,29 +85,16 @@ InputFile::InputFile(std::unique_ptr<Handle> handle, std::uint64_t size)
 InputFile::~InputFile() = default;
 
 std::unique_ptr<InputFile> InputFile::Open(const std::string& path) {
-    HANDLE raw = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    std::uint64_t size = 0;
+    HANDLE raw = OpenRegular(path, GENERIC_READ, size);
     if (raw == INVALID_HANDLE_VALUE) return nullptr;
     std::unique_ptr<Handle> handle(new Handle{FileHandle(raw)});
-    LARGE_INTEGER size = {};
-    if (GetFileType(raw) != FILE_TYPE_DISK || !GetFileSizeEx(raw, &size)) return nullptr;
-    return std::unique_ptr<InputFile>(
-        new InputFile(std::move(handle), static_cast<std::uint64_t>(size.QuadPart)));
+    return std::unique_ptr<InputFile>(new InputFile(std::move(handle), size));
 }
 
 std::size_t InputFile::Read(std::span<std::uint8_t> out) {
-    std::size_t done = 0;
-    while (done < out.size()) {
-        // The position goes with every call; the file is not opened for overlapped work.
-        OVERLAPPED at = {};
-        at.Offset = static_cast<DWORD>(position_ & 0xffffffffu);
-        at.OffsetHigh = static_cast<DWORD>(position_ >> 32);
-        DWORD got = 0;
-        const auto ask = static_cast<DWORD>(std::min(out.size() - done, kMostPerCall));
-        if (!ReadFile(handle_->file.Get(), out.data() + done, ask, &got, &at) || got == 0) break;
-        done += got;
-        position_ += got;
-    }
+    const std::size_t done = ReadAllAt(handle_->file.Get(), position_, out);
+    position_ += done;
     return done;
 }
 
@@ -123,6 +150,52 @@ bool ReplacingFile::Commit() {
         return false;
     handle_->temporary.clear();
     return true;
+}
+
+struct UpdatedFile::Handle {
+    FileHandle file;
+};
+
+UpdatedFile::UpdatedFile(std::unique_ptr<Handle> handle, std::uint64_t size)
+    : handle_(std::move(handle)), size_(size) {}
+
+UpdatedFile::~UpdatedFile() = default;
+
+std::unique_ptr<UpdatedFile> UpdatedFile::Open(const std::string& path, Access access) {
+    std::uint64_t size = 0;
+    const DWORD rights =
+        access == Access::kWrite ? GENERIC_WRITE : DWORD{GENERIC_READ | GENERIC_WRITE};
+    HANDLE raw = OpenRegular(path, rights, size);
+    if (raw == INVALID_HANDLE_VALUE) return nullptr;
+    std::unique_ptr<Handle> handle(new Handle{FileHandle(raw)});
+    return std::unique_ptr<UpdatedFile>(new UpdatedFile(std::move(handle), size));
+}
+
+std::size_t UpdatedFile::ReadAt(std::uint64_t position, std::span<std::uint8_t> out) {
+    return ReadAllAt(handle_->file.Get(), position, out);
+}
+
+bool UpdatedFile::WriteAt(std::uint64_t position, std::span<const std::uint8_t> bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        OVERLAPPED at = At(position + done);
+        DWORD put = 0;
+        const auto ask = static_cast<DWORD>(std::min(bytes.size() - done, kMostPerCall));
+        if (!WriteFile(handle_->file.Get(), bytes.data() + done, ask, &put, &at) || put == 0)
+            return false;
+        done += put;
+    }
+    return true;
+}
+
+bool UpdatedFile::Append(std::span<const std::uint8_t> bytes) {
+    if (WriteAt(size_, bytes)) return true;
+    // Nothing more can be done when even this fails.
+    LARGE_INTEGER old_end = {};
+    old_end.QuadPart = static_cast<LONGLONG>(size_);
+    if (SetFilePointerEx(handle_->file.Get(), old_end, nullptr, FILE_BEGIN))
+        SetEndOfFile(handle_->file.Get());
+    return false;
 }
 
 }  // namespace rastrel
