@@ -2,16 +2,14 @@
 // the compressor alone. Linux only: the plain forms are its system calls.
 
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
 #include <lzo/lzo1x.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 
 #include "support.h"
+#include "system_files.h"
 
 namespace rastrel_bench {
 namespace {
@@ -43,36 +41,6 @@ class Sample {
     std::string bmp_ = TemporaryPath("rastrel-bench.bmp");
     std::string qvi_ = TemporaryPath("rastrel-bench.qvi");
 };
-
-std::size_t FileSize(const std::string& path) {
-    struct stat status = {};
-    return stat(path.c_str(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
-}
-
-bool ReadWhole(const std::string& path, std::uint8_t* to, std::size_t size) {
-    const int file = open(path.c_str(), O_RDONLY);
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t got = read(file, to + done, size - done);
-        if (got <= 0) break;
-        done += static_cast<std::size_t>(got);
-    }
-    close(file);
-    return done == size;
-}
-
-bool WriteWhole(const std::string& path, const std::uint8_t* from, std::size_t size) {
-    const std::string temporary = path + ".part";
-    const int file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t put = write(file, from + done, size - done);
-        if (put <= 0) break;
-        done += static_cast<std::size_t>(put);
-    }
-    close(file);
-    return std::rename(temporary.c_str(), path.c_str()) == 0 && done == size;
-}
 
 void SetBytes(benchmark::State& state, std::size_t bytes) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
@@ -128,7 +96,7 @@ void BmpWrite(benchmark::State& state) {
 void BmpWriteBySystem(benchmark::State& state) {
     const std::size_t size = FileSize(Sample::Get().Bmp());
     const auto buffer = FreshBuffer(size);
-    ReadWhole(Sample::Get().Bmp(), buffer.get(), size);
+    if (!ReadWhole(Sample::Get().Bmp(), buffer.get(), size)) state.SkipWithError("read failed");
     for (auto _ : state) {
         if (!WriteWhole(Sample::Get().Bmp(), buffer.get(), size))
             state.SkipWithError("write failed");

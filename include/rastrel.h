@@ -45,11 +45,11 @@
  *   image from two threads at once is for the host to avoid. Work runs on the caller's thread.
  *
  * This version
- *   Built: handles, creation, pixels, palettes, depth conversions, the BMP and QVI formats, all
- *   functions on typed arrays, the settings, and the georeference (but for the tags inside TIFF
- *   files). The other functions from "Display and desktop" on are exported but not built yet: each
- *   returns its failure value (0, or null for a pointer; those without a result do nothing) and
- *   touches none of its arguments.
+ *   Built: handles, creation, pixels, palettes, depth conversions, the BMP, QVI and raw (BIL, BIP,
+ *   BSQ) formats, all functions on typed arrays, the settings, and the georeference (but for the
+ *   tags inside TIFF files). The other functions from "Display and desktop" on are exported but not
+ *   built yet: each returns its failure value (0, or null for a pointer; those without a result do
+ *   nothing) and touches none of its arguments.
  */
 #ifndef RASTREL_H_
 #define RASTREL_H_
@@ -203,6 +203,11 @@ RASTREL_API int RASTREL_CALL Rastrel_ReadInfo(const char* name, int* width, int*
  * damaged headers fail. BMP and QVI files with run-length coding load with their coded data as it
  * stands: they save as they were, but pixel functions see code bytes, and cropping and depth
  * conversions refuse them.
+ *
+ * Raw files (bil, bip, bsq) are pixels alone, one band or three (red, green, blue) of 8 bits. A text
+ * header of the same name (hdr) must tell NROWS, NCOLS, NBANDS and NBITS, spelt so; its other lines
+ * are passed over, and the type tells how the bands stand. A palette file (clr) may colour one
+ * band, which is grey else. Rastrel_ReadInfo needs the header only, and tells any depth.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Read(int handle, const char* name, int type);
 
@@ -229,6 +234,10 @@ RASTREL_API int RASTREL_CALL Rastrel_Read3(int handle, const char* red_name, con
  * change. The file appears complete or not at all: on failure an existing file of that name, the
  * image, its type and its name stay as they were. The name "" writes to the file that the raster
  * was last read from or saved to.
+ *
+ * Raw files are written with their header and, for an image with a palette, their palette file; the
+ * pixel file gets the extension of its type. Pixels of 1 and 4 bits are written as bytes; images of
+ * 16 and 32 bits cannot be. None of the three old files is touched before all new ones are there.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Save(int handle, const char* name, int type);
 

@@ -11,6 +11,9 @@
 
 namespace rastrel {
 
+/// No line of a header or world file counts beyond this, its end included.
+constexpr std::size_t kMostLineCharacters = 199;
+
 /// A line with its end or, of a line longer than the reader's limit, a piece of it.
 struct LinePiece {
     std::string_view text;  ///< until the reader's next call

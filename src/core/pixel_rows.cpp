@@ -123,6 +123,23 @@ void Bgr24From32(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> o
     plain::Bgr24From32(pixels.subspan(4 * done), out.subspan(3 * done));
 }
 
+void SwapRedBlue24(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
+    const std::size_t done = simd::SwapRedBlue24(pixels.data(), pixels.size() / 3, out.data());
+    plain::SwapRedBlue24(pixels.subspan(3 * done), out.subspan(3 * done));
+}
+
+void Bgr24FromRgba32(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
+    const std::size_t done = simd::Bgr24FromRgba32(pixels.data(), pixels.size() / 4, out.data());
+    plain::Bgr24FromRgba32(pixels.subspan(4 * done), out.subspan(3 * done));
+}
+
+void Bgr24FromPlanes(const std::uint8_t* red, std::span<const std::uint8_t> green,
+                     const std::uint8_t* blue, std::span<std::uint8_t> out) {
+    const std::size_t done =
+        simd::Bgr24FromPlanes(red, green.data(), blue, green.size(), out.data());
+    plain::Bgr24FromPlanes(red + done, green.subspan(done), blue + done, out.subspan(3 * done));
+}
+
 void Bgr24From16(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
     const std::size_t count = pixels.size() / 2;
     for (std::size_t i = 0; i < count; ++i) {
@@ -154,6 +171,12 @@ void GreyFromBgr(std::span<const std::uint8_t> pixels, std::size_t pixel_bytes,
                                  ? simd::GreyFromBgr24(pixels.data(), out.size(), out.data())
                                  : simd::GreyFromBgra32(pixels.data(), out.size(), out.data());
     plain::GreyFromBgr(pixels.subspan(pixel_bytes * done), pixel_bytes, out.subspan(done));
+}
+
+void TakeChannel(std::span<const std::uint8_t> pixels, std::size_t channel,
+                 std::span<std::uint8_t> out) {
+    const std::size_t done = simd::TakeChannel(pixels.data(), channel, out.size(), out.data());
+    plain::TakeChannel(pixels.subspan(3 * done), channel, out.subspan(done));
 }
 
 void StreamCopy(std::span<const std::uint8_t> from, std::uint8_t* to) {

@@ -37,6 +37,13 @@ void PackIndices(std::span<const std::uint8_t> indices, int bits, std::span<std:
 void ExpandTo24(std::span<const std::uint8_t> indices, const ValueColors& colors,
                 std::span<std::uint8_t> out);
 void Bgr24From32(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out);
+/// Between the two orders of three-byte pixels: blue, green, red and red, green, blue.
+void SwapRedBlue24(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out);
+/// From pixels of four bytes that begin with red, green, blue.
+void Bgr24FromRgba32(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out);
+/// From three rows of one channel each, as long as green.
+void Bgr24FromPlanes(const std::uint8_t* red, std::span<const std::uint8_t> green,
+                     const std::uint8_t* blue, std::span<std::uint8_t> out);
 /// 16-bit pixels with five bits a channel, blue lowest; the top bit is unused.
 void Bgr24From16(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out);
 
@@ -47,6 +54,9 @@ void Bgra32From24(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> 
 
 /// Grey values of pixels of pixel_bytes (3 or 4) bytes that begin with blue, green, red.
 void GreyFromBgr(std::span<const std::uint8_t> pixels, std::size_t pixel_bytes,
+                 std::span<std::uint8_t> out);
+/// One channel (0 blue, 1 green, 2 red) of 24-bit pixels.
+void TakeChannel(std::span<const std::uint8_t> pixels, std::size_t channel,
                  std::span<std::uint8_t> out);
 
 /// From this many bytes on, output is better written past the caches, which it would only flush.

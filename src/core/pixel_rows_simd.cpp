@@ -117,6 +117,16 @@ std::size_t Bgr24From32(const std::uint8_t* /*pixels*/, std::size_t /*count*/,
     return 0;
 }
 
+std::size_t Bgr24FromRgba32(const std::uint8_t* /*pixels*/, std::size_t /*count*/,
+                            std::uint8_t* /*out*/) {
+    return 0;
+}
+
+std::size_t SwapRedBlue24(const std::uint8_t* /*pixels*/, std::size_t /*count*/,
+                          std::uint8_t* /*out*/) {
+    return 0;
+}
+
 std::size_t Bgra32From24(const std::uint8_t* /*pixels*/, std::size_t /*count*/,
                          std::uint8_t* /*out*/) {
     return 0;
@@ -124,17 +134,45 @@ std::size_t Bgra32From24(const std::uint8_t* /*pixels*/, std::size_t /*count*/,
 
 #else
 
-std::size_t Bgr24From32(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
+/// Where the twelve bytes of four three-byte pixels come from in four of four bytes.
+using FourPixels = std::array<std::uint8_t, 16>;
+
+std::size_t Take24From32(const std::uint8_t* pixels, const FourPixels& order, std::size_t count,
+                         std::uint8_t* out) {
     const hn::Full128<std::uint8_t> d;
-    alignas(16) static constexpr std::uint8_t kFrom[16] = {0,  1,  2,  4,  5,    6,    8,    9,
-                                                           10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
-    const auto from = hn::Load(d, kFrom);
+    const auto from = hn::LoadU(d, order.data());
     std::size_t done = 0;
     // Four pixels a store of 16 bytes, of which the next one overwrites the last four; the last
     // such store must stay inside.
     for (; count - done >= 6; done += 4) {
         const auto four = hn::LoadU(d, pixels + 4 * done);
         hn::StoreU(hn::TableLookupBytes(four, from), d, out + 3 * done);
+    }
+    return done;
+}
+
+std::size_t Bgr24From32(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
+    static constexpr FourPixels kSameOrder = {0,  1,  2,  4,  5,    6,    8,    9,
+                                              10, 12, 13, 14, 0x80, 0x80, 0x80, 0x80};
+    return Take24From32(pixels, kSameOrder, count, out);
+}
+
+std::size_t Bgr24FromRgba32(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
+    static constexpr FourPixels kSwapped = {2, 1,  0,  6,  5,    4,    10,   9,
+                                            8, 14, 13, 12, 0x80, 0x80, 0x80, 0x80};
+    return Take24From32(pixels, kSwapped, count, out);
+}
+
+std::size_t SwapRedBlue24(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
+    const hn::Full128<std::uint8_t> d;
+    alignas(16) static constexpr std::uint8_t kFrom[16] = {2, 1,  0,  5, 4,  3,  8,  7,
+                                                           6, 11, 10, 9, 14, 13, 12, 15};
+    const auto from = hn::Load(d, kFrom);
+    std::size_t done = 0;
+    // Five pixels a load and a store of 16 bytes; the next store puts the last byte right.
+    for (; count - done >= 6; done += 5) {
+        const auto five = hn::LoadU(d, pixels + 3 * done);
+        hn::StoreU(hn::TableLookupBytes(five, from), d, out + 3 * done);
     }
     return done;
 }
@@ -155,6 +193,18 @@ std::size_t Bgra32From24(const std::uint8_t* pixels, std::size_t count, std::uin
 }
 
 #endif
+
+std::size_t Bgr24FromPlanes(const std::uint8_t* red, const std::uint8_t* green,
+                            const std::uint8_t* blue, std::size_t count, std::uint8_t* out) {
+    const hn::ScalableTag<std::uint8_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t done = 0;
+    for (; count - done >= lanes; done += lanes) {
+        hn::StoreInterleaved3(hn::LoadU(d, blue + done), hn::LoadU(d, green + done),
+                              hn::LoadU(d, red + done), d, out + 3 * done);
+    }
+    return done;
+}
 
 /// (77 red + 150 green + 29 blue) / 256; the sum is at most 65,280.
 template <class Load>
@@ -193,6 +243,21 @@ std::size_t GreyFromBgra32(const std::uint8_t* pixels, std::size_t count, std::u
     });
 }
 
+std::size_t TakeChannel(const std::uint8_t* pixels, std::size_t channel, std::size_t count,
+                        std::uint8_t* out) {
+    const hn::ScalableTag<std::uint8_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t done = 0;
+    for (; count - done >= lanes; done += lanes) {
+        auto blue = hn::Zero(d);
+        auto green = hn::Zero(d);
+        auto red = hn::Zero(d);
+        hn::LoadInterleaved3(d, pixels + 3 * done, blue, green, red);
+        hn::StoreU(channel == 0 ? blue : channel == 1 ? green : red, d, out + done);
+    }
+    return done;
+}
+
 void StreamCopy(const std::uint8_t* from, std::size_t count, std::uint8_t* to) {
     const hn::ScalableTag<std::uint8_t> d;
     const std::size_t lanes = hn::Lanes(d);
@@ -215,9 +280,13 @@ namespace rastrel::simd {
 
 HWY_EXPORT(ExpandTo24);
 HWY_EXPORT(Bgr24From32);
+HWY_EXPORT(Bgr24FromRgba32);
+HWY_EXPORT(Bgr24FromPlanes);
+HWY_EXPORT(SwapRedBlue24);
 HWY_EXPORT(Bgra32From24);
 HWY_EXPORT(GreyFromBgr24);
 HWY_EXPORT(GreyFromBgra32);
+HWY_EXPORT(TakeChannel);
 HWY_EXPORT(StreamCopy);
 
 std::size_t ExpandTo24(const std::uint8_t* indices, const ValueColors& colors, std::size_t count,
@@ -227,6 +296,19 @@ std::size_t ExpandTo24(const std::uint8_t* indices, const ValueColors& colors, s
 
 std::size_t Bgr24From32(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
     return HWY_DYNAMIC_DISPATCH(Bgr24From32)(pixels, count, out);
+}
+
+std::size_t Bgr24FromRgba32(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
+    return HWY_DYNAMIC_DISPATCH(Bgr24FromRgba32)(pixels, count, out);
+}
+
+std::size_t Bgr24FromPlanes(const std::uint8_t* red, const std::uint8_t* green,
+                            const std::uint8_t* blue, std::size_t count, std::uint8_t* out) {
+    return HWY_DYNAMIC_DISPATCH(Bgr24FromPlanes)(red, green, blue, count, out);
+}
+
+std::size_t SwapRedBlue24(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
+    return HWY_DYNAMIC_DISPATCH(SwapRedBlue24)(pixels, count, out);
 }
 
 std::size_t Bgra32From24(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
@@ -239,6 +321,11 @@ std::size_t GreyFromBgr24(const std::uint8_t* pixels, std::size_t count, std::ui
 
 std::size_t GreyFromBgra32(const std::uint8_t* pixels, std::size_t count, std::uint8_t* out) {
     return HWY_DYNAMIC_DISPATCH(GreyFromBgra32)(pixels, count, out);
+}
+
+std::size_t TakeChannel(const std::uint8_t* pixels, std::size_t channel, std::size_t count,
+                        std::uint8_t* out) {
+    return HWY_DYNAMIC_DISPATCH(TakeChannel)(pixels, channel, count, out);
 }
 
 void StreamCopy(const std::uint8_t* from, std::size_t count, std::uint8_t* to) {

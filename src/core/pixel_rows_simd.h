@@ -15,12 +15,21 @@ namespace rastrel::simd {
                                      std::size_t count, std::uint8_t* out);
 [[nodiscard]] std::size_t Bgr24From32(const std::uint8_t* pixels, std::size_t count,
                                       std::uint8_t* out);
+[[nodiscard]] std::size_t SwapRedBlue24(const std::uint8_t* pixels, std::size_t count,
+                                        std::uint8_t* out);
+[[nodiscard]] std::size_t Bgr24FromRgba32(const std::uint8_t* pixels, std::size_t count,
+                                          std::uint8_t* out);
+[[nodiscard]] std::size_t Bgr24FromPlanes(const std::uint8_t* red, const std::uint8_t* green,
+                                          const std::uint8_t* blue, std::size_t count,
+                                          std::uint8_t* out);
 [[nodiscard]] std::size_t Bgra32From24(const std::uint8_t* pixels, std::size_t count,
                                        std::uint8_t* out);
 [[nodiscard]] std::size_t GreyFromBgr24(const std::uint8_t* pixels, std::size_t count,
                                         std::uint8_t* out);
 [[nodiscard]] std::size_t GreyFromBgra32(const std::uint8_t* pixels, std::size_t count,
                                          std::uint8_t* out);
+[[nodiscard]] std::size_t TakeChannel(const std::uint8_t* pixels, std::size_t channel,
+                                      std::size_t count, std::uint8_t* out);
 
 /// Copies all of count bytes past the caches.
 void StreamCopy(const std::uint8_t* from, std::size_t count, std::uint8_t* to);

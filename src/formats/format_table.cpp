@@ -4,6 +4,7 @@
 
 #include "formats/bmp/bmp_image.h"
 #include "formats/qvi/qvi_image.h"
+#include "formats/raw/raw_image.h"
 
 namespace rastrel {
 
@@ -22,9 +23,9 @@ constexpr std::array<FormatRow, 16> kFormats = {{
     {.type = 3, .extensions = {"PNG"}, .make = nullptr},
     {.type = 4, .extensions = {"TIF"}, .make = nullptr},
     {.type = 5, .extensions = {"QVI"}, .make = Make<QviImage>},
-    {.type = 6, .extensions = {"BIL"}, .make = nullptr},
-    {.type = 7, .extensions = {"BIP"}, .make = nullptr},
-    {.type = 8, .extensions = {"BSQ"}, .make = nullptr},
+    {.type = 6, .extensions = {"BIL"}, .make = Make<BilImage>, .reads_parts = true},
+    {.type = 7, .extensions = {"BIP"}, .make = Make<BipImage>, .reads_parts = true},
+    {.type = 8, .extensions = {"BSQ"}, .make = Make<BsqImage>, .reads_parts = true},
     {.type = 9, .extensions = {"SID"}, .make = nullptr},
     {.type = 10, .extensions = {"ECW"}, .make = nullptr},
     {.type = 11, .extensions = {"FOT"}, .make = nullptr},

@@ -11,6 +11,9 @@ namespace rastrel {
 /// Whether a name stands for something, be it a file, a folder or a device.
 [[nodiscard]] bool FileExists(const std::string& path);
 
+/// Removes a file; true also when there was none.
+[[nodiscard]] bool RemoveFile(const std::string& path);
+
 /// A regular file opened for reading. Others may read and write it meanwhile.
 class InputFile {
   public:

@@ -47,15 +47,6 @@ std::string CompanionOf(const std::string& name) {
     return companion;
 }
 
-Bytes Text(const std::string& text) {
-    return {text.begin(), text.end()};
-}
-
-std::string TextOf(const std::string& path) {
-    const Bytes bytes = FileBytes(path);
-    return {bytes.begin(), bytes.end()};
-}
-
 TEST(CompanionName, FollowsTheImages) {
     struct Case {
         const char* image;
@@ -103,7 +94,7 @@ TEST(CompanionName, FollowsTheImages) {
 TEST(WorldFile, IsWrittenToTheLetter) {
     const TestFolder folder;
     ASSERT_EQ(Rastrel_WriteGeoref(folder.Path("a.bmp").c_str(), 1650000.5, -47.125, 0.25), 1);
-    EXPECT_EQ(TextOf(folder.Path("a.bpw")),
+    EXPECT_EQ(FileText(folder.Path("a.bpw")),
               "               0.25000000000000\n"
               "               0.00000000000000\n"
               "               0.00000000000000\n"
@@ -125,7 +116,7 @@ TEST(WorldFile, EveryFormatHasItsOwn) {
                                         "sheet.pgw", "sheet.qiw", "sheet.tfw"}));
     for (const char* name : {"x.ecw", "y.sid", "z.jpeg"})
         ASSERT_EQ(Rastrel_WriteGeoref(folder.Path(name).c_str(), 1, 2, 3), 1) << name;
-    EXPECT_EQ(TextOf(folder.Path("x")), TextOf(folder.Path("y")));
+    EXPECT_EQ(FileText(folder.Path("x")), FileText(folder.Path("y")));
     EXPECT_EQ(Read(folder.Path("x.ecw")), kDefaults) << "ECW images tell by themselves";
     EXPECT_EQ(Read(folder.Path("y.sid")), kDefaults) << "MrSID images have y.sdw";
     EXPECT_EQ(Read(folder.Path("z.jpeg")), (Reading{1, 1, 2, 3}));
@@ -210,7 +201,7 @@ TEST(Georeference, ExtensionsInUpperCaseAreFoundToo) {
 
     folder.Write("b.HDR", Text("NCOLS 5\nxdim 1\n"));
     ASSERT_EQ(Rastrel_WriteGeoref(folder.Path("b.BIL").c_str(), 5, 6, 1), 1);
-    EXPECT_EQ(TextOf(folder.Path("b.HDR")).substr(0, 8), "NCOLS 5\n");
+    EXPECT_EQ(FileText(folder.Path("b.HDR")).substr(0, 8), "NCOLS 5\n");
     EXPECT_EQ(Read(folder.Path("b.BIL")), (Reading{1, 5, 6, 1}));
 }
 
@@ -271,14 +262,14 @@ TEST(HeaderGeoreference, IsRewrittenBehindAllOtherLines) {
         const std::string image = folder.Path("a.bip");
         for (int times = 0; times < 2; ++times) {
             ASSERT_EQ(Rastrel_WriteGeoref(image.c_str(), 5.5, 6.25, 0.5), 1) << c.what;
-            EXPECT_EQ(TextOf(folder.Path("a.hdr")), c.kept + kWrittenLines) << c.what;
+            EXPECT_EQ(FileText(folder.Path("a.hdr")), c.kept + kWrittenLines) << c.what;
         }
         EXPECT_EQ(Read(image), (Reading{1, 5.5, 6.25, 0.5})) << c.what;
     }
     EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.hdr"});
     fs::remove(folder.Path("a.hdr"));
     ASSERT_EQ(Rastrel_WriteGeoref(folder.Path("a.bil").c_str(), 5.5, 6.25, 0.5), 1);
-    EXPECT_EQ(TextOf(folder.Path("a.hdr")), kWrittenLines) << "there was none before";
+    EXPECT_EQ(FileText(folder.Path("a.hdr")), kWrittenLines) << "there was none before";
 }
 
 /// An AIMA image whose header bytes, and some more, are their own places.
@@ -420,8 +411,8 @@ TEST(Georeference, AFullDiskLeavesTheOldFiles) {
         EXPECT_EQ(Rastrel_WriteGeoref(folder.Path("a.bil").c_str(), 1, 2, 3), 0) << room;
         EXPECT_EQ(Rastrel_WriteGeoref(folder.Path("new.bil").c_str(), 1, 2, 3), 0) << room;
     }
-    EXPECT_EQ(TextOf(folder.Path("a.bpw")), "old");
-    EXPECT_EQ(TextOf(folder.Path("a.hdr")), "XDIM 5\nNCOLS 7\n");
+    EXPECT_EQ(FileText(folder.Path("a.bpw")), "old");
+    EXPECT_EQ(FileText(folder.Path("a.hdr")), "XDIM 5\nNCOLS 7\n");
     EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.bpw", "a.hdr"}));
 }
 
@@ -454,7 +445,7 @@ TEST(HeaderGeoreference, IsAppendedWhereTheHeaderCannotBeReplaced) {
             EXPECT_EQ(Rastrel_WriteGeoref(image.c_str(), 1, 2, 3), 0) << c.what;
         }
         fs::permissions(header, may_read | may_write);
-        EXPECT_EQ(TextOf(header), c.result == 1 ? kept + kWrittenLines : old) << c.what;
+        EXPECT_EQ(FileText(header), c.result == 1 ? kept + kWrittenLines : old) << c.what;
         EXPECT_EQ(Read(image), c.result == 1 ? (Reading{1, 5.5, 6.25, 0.5}) : kUntouched) << c.what;
     }
     fs::permissions(folder.Path(""), all);

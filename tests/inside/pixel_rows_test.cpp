@@ -59,10 +59,25 @@ TEST(PixelRows, VectorFormsEqualThePlainOnes) {
         [&](auto in, auto out) { plain::ExpandTo24(in, colors, out); }, 1, 3);
     ExpectSame("24 from 32", Bgr24From32, plain::Bgr24From32, 4, 3);
     ExpectSame("32 from 24", Bgra32From24, plain::Bgra32From24, 3, 4);
+    ExpectSame("red and blue swapped", SwapRedBlue24, plain::SwapRedBlue24, 3, 3);
+    ExpectSame("24 from red, green, blue, alpha", Bgr24FromRgba32, plain::Bgr24FromRgba32, 4, 3);
+    const auto from_planes = [](const auto& convert) {
+        return [&convert](auto in, auto out) {
+            const std::size_t count = in.size() / 3;
+            convert(in.data(), in.subspan(count, count), in.data() + 2 * count, out);
+        };
+    };
+    ExpectSame("24 from planes", from_planes(Bgr24FromPlanes), from_planes(plain::Bgr24FromPlanes),
+               3, 3);
     for (const std::size_t pixel_bytes : {3u, 4u}) {
         ExpectSame(
             "grey", [&](auto in, auto out) { GreyFromBgr(in, pixel_bytes, out); },
             [&](auto in, auto out) { plain::GreyFromBgr(in, pixel_bytes, out); }, pixel_bytes, 1);
+    }
+    for (const std::size_t channel : {0u, 1u, 2u}) {
+        ExpectSame(
+            "one channel", [&](auto in, auto out) { TakeChannel(in, channel, out); },
+            [&](auto in, auto out) { plain::TakeChannel(in, channel, out); }, 3, 1);
     }
     const auto copy = [](auto in, auto out) { std::copy(in.begin(), in.end(), out.begin()); };
     ExpectSame(

@@ -153,6 +153,15 @@ Bytes FileBytes(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+std::string FileText(const std::string& path) {
+    const Bytes bytes = FileBytes(path);
+    return {bytes.begin(), bytes.end()};
+}
+
+Bytes Text(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
 FieldWriter& FieldWriter::Text(const char* text) {
     bytes_.insert(bytes_.end(), text, text + std::strlen(text));
     return *this;

@@ -73,6 +73,9 @@ class TestFolder {
 };
 
 [[nodiscard]] Bytes FileBytes(const std::string& path);
+[[nodiscard]] std::string FileText(const std::string& path);
+/// A text as the bytes of a file.
+[[nodiscard]] Bytes Text(const std::string& text);
 
 /// Little-endian fields, one after the other.
 class FieldWriter {

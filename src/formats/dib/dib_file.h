@@ -3,6 +3,7 @@
 #include "core/byte_source.h"
 #include "core/dib_block.h"
 #include "core/raster_image.h"
+#include "formats/plausibility.h"
 
 namespace rastrel {
 
@@ -38,8 +39,5 @@ struct DibFileHeader {
 /// block's header is computed anew. False when the header's size is not 40 or the sink fails; a
 /// failing LZO compressor leaves a file without pixels instead.
 [[nodiscard]] bool WriteDibFile(ByteSink& sink, const DibBlock& block, PixelCoding coding);
-
-/// Memory is taken for pixels that a file promises only as far as it holds them, plus this.
-constexpr std::uint64_t kMostMissingBytes = std::uint64_t{64} << 20;
 
 }  // namespace rastrel

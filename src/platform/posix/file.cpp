@@ -84,6 +84,10 @@ bool FileExists(const std::string& path) {
     return stat(NativePath(path).c_str(), &status) == 0;
 }
 
+bool RemoveFile(const std::string& path) {
+    return unlink(NativePath(path).c_str()) == 0 || errno == ENOENT;
+}
+
 struct InputFile::Handle {
     Descriptor descriptor;
 };
