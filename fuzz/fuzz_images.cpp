@@ -68,8 +68,9 @@ class FileFolder {
 };
 
 std::string FileName(int choice) {
-    constexpr std::array<const char*, 6> kNames = {"/a.bmp", "/b.qvi",         "/c.bmp",
-                                                   "/d.qvi", "/missing/e.bmp", "/f.xyz"};
+    constexpr std::array<const char*, 9> kNames = {"/a.bmp", "/b.qvi",         "/c.bmp",
+                                                   "/d.qvi", "/missing/e.bmp", "/f.xyz",
+                                                   "/g.bil", "/h.bip",         "/g.bsq"};
     static const FileFolder folder;
     return folder.Name() + kNames[static_cast<std::size_t>(choice) % kNames.size()];
 }
@@ -151,7 +152,7 @@ void SetPixel(Program& program, int handle) {
 
 void ReadFile(Program& program, int handle) {
     const std::string name = program.Byte() == 1 ? "" : FileName(program.Byte());
-    const int type = program.Byte() % 7 - 1;
+    const int type = program.Byte() % 10 - 1;
     switch (program.Byte() % 3) {
         case 0:
             Rastrel_Read(handle, name.c_str(), type);
@@ -231,7 +232,7 @@ void Step(Program& program) {
             ReadFile(program, handle);
             break;
         default:
-            Rastrel_Save(handle, FileName(program.Byte()).c_str(), program.Byte() % 7 - 1);
+            Rastrel_Save(handle, FileName(program.Byte()).c_str(), program.Byte() % 10 - 1);
             break;
     }
 }

@@ -18,8 +18,27 @@ inline void Require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// Reads bytes as an image of one format; what loads is written, read again and compared, and put
-/// through everything that can be done with a raster.
+/// Puts a raster through everything that can be done with one.
+inline void UseRaster(rastrel::RasterImage& image) {
+    using namespace rastrel;
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(image.Width()) *
+                                     static_cast<std::size_t>(image.Height()) * 4);
+    for (const int depth : {8, 24, 32})
+        CopyPixels(image, depth, {0, 0, image.Width(), image.Height()}, pixels.data());
+    static_cast<void>(image.GetRgb(image.Width() - 1, image.Height() - 1));
+    image.SetRgb(image.Width() - 1, image.Height() - 1, {1, 2, 3});
+    static_cast<void>(ExtractPortion(image, {1, 0, image.Width(), image.Height()}, 2));
+    static_cast<void>(NarrowTo1Bit(image));
+    static_cast<void>(WidenTo8Bits(image));
+    static_cast<void>(ExpandToTrueColor(image));
+    Fill(image, {200, 100, 50});
+}
+
+/// Blocks much larger than their files are zeros: they would only slow the search down.
+constexpr std::size_t kMostUsedBytes = std::size_t{4} << 20;
+
+/// Reads bytes as an image of one format; what loads is written, read again and compared, and
+/// used.
 template <class Image>
 void ReadAndUse(std::span<const std::uint8_t> bytes) {
     using namespace rastrel;
@@ -34,8 +53,7 @@ void ReadAndUse(std::span<const std::uint8_t> bytes) {
     }
     Require(has_info && info.width == image.Width() && info.height == image.Height() &&
             info.bits == image.Bits());
-    // Blocks much larger than their files are zeros: they would only slow the search down.
-    if (image.Block().Bytes().size() > (std::size_t{4} << 20)) return;
+    if (image.Block().Bytes().size() > kMostUsedBytes) return;
 
     MemorySink sink;
     const bool written = image.WriteTo(sink);
@@ -44,18 +62,7 @@ void ReadAndUse(std::span<const std::uint8_t> bytes) {
     if (written && again.ReadFrom(written_source)) {
         Require(again.PixelSize() == image.PixelSize() && again.Bits() == image.Bits());
     }
-
-    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(image.Width()) *
-                                     static_cast<std::size_t>(image.Height()) * 4);
-    for (const int depth : {8, 24, 32})
-        CopyPixels(image, depth, {0, 0, image.Width(), image.Height()}, pixels.data());
-    static_cast<void>(image.GetRgb(image.Width() - 1, image.Height() - 1));
-    image.SetRgb(image.Width() - 1, image.Height() - 1, {1, 2, 3});
-    static_cast<void>(ExtractPortion(image, {1, 0, image.Width(), image.Height()}, 2));
-    static_cast<void>(NarrowTo1Bit(image));
-    static_cast<void>(WidenTo8Bits(image));
-    static_cast<void>(ExpandToTrueColor(image));
-    Fill(image, {200, 100, 50});
+    UseRaster(image);
 }
 
 }  // namespace rastrel_fuzz
