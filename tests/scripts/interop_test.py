@@ -4,8 +4,6 @@ loads it.
 
 Usage: interop_test.py MODULE [FOLDER OF BITMAP FILES]
 """
-import ctypes
-import os
 import pathlib
 import random
 import struct
@@ -14,25 +12,10 @@ import sys
 import tempfile
 import unittest
 
-MODULE = CORPUS = None
+import module_host
+from module_host import Image, new_image, ppm_pixels, run
 
-
-def run(*command, data=None):
-    return subprocess.run(command, input=data, check=True, capture_output=True).stdout
-
-
-def ppm_pixels(data):
-    """Width, height and packed red, green, blue of a binary PPM."""
-    fields, at = [], 0
-    while len(fields) < 4:
-        end = at
-        while data[end:end + 1] not in b" \t\n":
-            end += 1
-        if end > at:
-            fields.append(data[at:end])
-        at = end + 1
-    assert fields[0] == b"P6" and fields[3] == b"255", fields
-    return int(fields[1]), int(fields[2]), data[at:]
+CORPUS = None
 
 
 def by_imagemagick(path):
@@ -47,50 +30,6 @@ def by_netpbm(path):
     if picture.startswith(b"P5"):
         picture = run("pgmtoppm", "black-white", data=picture)
     return ppm_pixels(picture)
-
-
-class Image:
-    """An image of the library, as a Python host would wrap it."""
-
-    def __init__(self):
-        self.handle = MODULE.Rastrel_New()
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *unused):
-        MODULE.Rastrel_Delete(self.handle)
-
-    def read(self, path):
-        return MODULE.Rastrel_Read(self.handle, os.fsencode(path), 0)
-
-    def save(self, path):
-        return MODULE.Rastrel_Save(self.handle, os.fsencode(path), 0)
-
-    def pixels(self):
-        width = MODULE.Rastrel_GetWidth(self.handle)
-        height = MODULE.Rastrel_GetHeight(self.handle)
-        buffer = ctypes.create_string_buffer(width * height * 3)
-        assert MODULE.Rastrel_GetImageByte(self.handle, buffer, 24, 0, 0, width, height) == 1
-        bgr = bytearray(buffer.raw)
-        bgr[0::3], bgr[2::3] = bgr[2::3], bgr[0::3]
-        return width, height, bytes(bgr)
-
-
-def new_image(width, height, bits, colors=0):
-    """An image of random pixels and, with colours, a random palette."""
-    image = Image()
-    assert MODULE.Rastrel_Create(image.handle, width, height, bits) == 1
-    chance = random.Random(width * 1000 + height * 10 + bits)
-    rows = MODULE.Rastrel_GetRawImage(image.handle)
-    stride = MODULE.Rastrel_GetEffWidth(image.handle)
-    for y in range(height):
-        ctypes.memmove(rows + y * stride, chance.randbytes((width * bits + 7) // 8),
-                       (width * bits + 7) // 8)
-    if colors:
-        channels = [chance.randbytes(colors) for _ in range(3)]
-        assert MODULE.Rastrel_SetPalette(image.handle, colors, *channels) == 1
-    return image
 
 
 class Interop(unittest.TestCase):
@@ -119,7 +58,7 @@ class Interop(unittest.TestCase):
                                  "2", "-monochrome", "bmp3:-"))
             with Image() as image:
                 self.assertEqual(image.read(path), 1)
-                self.assertEqual(MODULE.Rastrel_GetDepth(image.handle), 1)
+                self.assertEqual(image.depth(), 1)
                 self.assert_opens_elsewhere(image, size)
 
     def assert_opens_elsewhere(self, image, what):
@@ -179,13 +118,7 @@ class Interop(unittest.TestCase):
         self.assertGreater(compared, 20)
 
 
-def load(path):
-    module = ctypes.CDLL(path)
-    module.Rastrel_GetRawImage.restype = ctypes.c_void_p
-    return module
-
-
 if __name__ == "__main__":
-    MODULE = load(sys.argv[1])
+    module_host.load(sys.argv[1])
     CORPUS = sys.argv[2] if len(sys.argv) > 2 else None
     unittest.main(argv=sys.argv[:1])
