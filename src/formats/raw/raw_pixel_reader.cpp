@@ -81,7 +81,8 @@ void RawPixelReader::ReadRows(const RasterImage& target, int first_row) {
                    std::span(buffer_).subspan(i * chunk_bytes, chunk_bytes));
         const std::size_t buffer_plane_step =
             is_row_by_row ? static_cast<std::size_t>(planes_.plane_step) : chunk_bytes;
-        for (int row = 0; row < rows; ++row) {
+        // In the order of memory, which is from the last row to the first.
+        for (int row = rows - 1; row >= 0; --row) {
             PlanePointers planes = {};
             for (std::size_t i = 0; i < planes_.count; ++i)
                 planes[i] = buffer_.data() + static_cast<std::size_t>(row) * row_step +

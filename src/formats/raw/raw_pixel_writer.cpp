@@ -9,75 +9,100 @@ namespace rastrel {
 
 namespace {
 
-/// Pixels that are converted at a time.
-constexpr std::size_t kSpanPixels = std::size_t{64} << 10;
-constexpr std::size_t kChunkBytes = 3 * kSpanPixels;
+/// What is gathered for one call of the sink, as far as it still is in the second-level cache then.
+constexpr std::size_t kChunkBytes = std::size_t{192} << 10;
 
-/// Gathers bytes so that the sink gets them in large pieces.
-class ChunkSink {
+/// A row of a file: runs of all columns, one after the other, with bytes for each pixel.
+struct FileRow {
+    std::size_t runs = 1;
+    std::size_t pixel_bytes = 1;
+};
+
+/// Writes rows of which convert(row, run, first column, out) makes the pieces.
+template <class Convert>
+class RowWriter {
   public:
-    explicit ChunkSink(ByteSink& sink) : sink_(sink), chunk_(kChunkBytes) {}
+    RowWriter(ByteSink& sink, const RasterImage& raster, const FileRow& file_row, Convert convert)
+        : sink_(sink),
+          raster_(raster),
+          file_row_(file_row),
+          run_bytes_(static_cast<std::size_t>(raster.Width()) * file_row.pixel_bytes),
+          convert_(convert) {}
 
-    /// Room for the next bytes, at most kChunkBytes; empty when the sink has failed.
-    [[nodiscard]] std::span<std::uint8_t> Next(std::size_t bytes) {
-        if (used_ + bytes > chunk_.size() && !Flush()) return {};
-        const auto room = std::span(chunk_).subspan(used_, bytes);
-        used_ += bytes;
-        return room;
-    }
-    [[nodiscard]] bool Flush() {
-        const std::size_t bytes = used_;
-        used_ = 0;
-        return sink_.Write(std::span(chunk_).first(bytes));
+    [[nodiscard]] bool Write() {
+        const std::size_t row_bytes = file_row_.runs * run_bytes_;
+        if (row_bytes > kChunkBytes) return WriteInSpans();
+        const int rows_at_once = static_cast<int>(kChunkBytes / row_bytes);
+        chunk_.resize(static_cast<std::size_t>(rows_at_once) * row_bytes);
+        for (int y = 0; y < raster_.Height(); y += rows_at_once) {
+            const int rows = std::min(rows_at_once, raster_.Height() - y);
+            // From the last to the first: the bitmap stands bottom-up, and is read faster in the
+            // order of memory.
+            for (int row = rows - 1; row >= 0; --row)
+                ConvertRow(y + row, static_cast<std::size_t>(row) * row_bytes);
+            if (!sink_.Write(std::span(chunk_).first(static_cast<std::size_t>(rows) * row_bytes)))
+                return false;
+        }
+        return true;
     }
 
   private:
+    void ConvertRow(int y, std::size_t at) {
+        for (std::size_t run = 0; run < file_row_.runs; ++run)
+            convert_(raster_.PictureRow(y), run, std::size_t{0},
+                     std::span(chunk_).subspan(at + run * run_bytes_, run_bytes_));
+    }
+    /// Rows longer than a chunk, piece by piece.
+    [[nodiscard]] bool WriteInSpans() {
+        chunk_.resize(kChunkBytes);
+        const auto width = static_cast<std::size_t>(raster_.Width());
+        const std::size_t most = kChunkBytes / file_row_.pixel_bytes;
+        for (int y = 0; y < raster_.Height(); ++y) {
+            for (std::size_t run = 0; run < file_row_.runs; ++run) {
+                for (std::size_t x = 0; x < width; x += most) {
+                    const std::size_t count = std::min(most, width - x);
+                    const auto out = std::span(chunk_).first(count * file_row_.pixel_bytes);
+                    convert_(raster_.PictureRow(y), run, x, out);
+                    if (!sink_.Write(out)) return false;
+                }
+            }
+        }
+        return true;
+    }
+
     ByteSink& sink_;
+    const RasterImage& raster_;
+    FileRow file_row_;
+    std::size_t run_bytes_;
+    Convert convert_;
     std::vector<std::uint8_t> chunk_;
-    std::size_t used_ = 0;
 };
 
-/// Writes a row from the top in spans, each made by convert(row, first column, out) with bytes for
-/// every pixel.
-template <class Convert>
-bool WriteRow(ChunkSink& sink, const RasterImage& raster, int y, std::size_t pixel_bytes,
-              Convert convert) {
-    const auto row = raster.PictureRow(y);
-    const auto width = static_cast<std::size_t>(raster.Width());
-    for (std::size_t x = 0; x < width; x += kSpanPixels) {
-        const std::size_t count = std::min(kSpanPixels, width - x);
-        const auto out = sink.Next(count * pixel_bytes);
-        if (out.empty()) return false;
-        convert(row, x, out);
-    }
-    return true;
+using Bytes = std::span<const std::uint8_t>;
+using Output = std::span<std::uint8_t>;
+
+bool WriteIndices(ByteSink& sink, const RasterImage& raster) {
+    const int bits = raster.Bits();
+    const auto unpack = [bits](Bytes row, std::size_t /*run*/, std::size_t x, Output out) {
+        UnpackIndices(row, bits, static_cast<int>(x), out);
+    };
+    return RowWriter(sink, raster, {.runs = 1, .pixel_bytes = 1}, unpack).Write();
 }
 
-bool WriteIndices(ChunkSink& sink, const RasterImage& raster, int y) {
-    return WriteRow(sink, raster, y, 1, [&](auto row, std::size_t x, auto out) {
-        UnpackIndices(row, raster.Bits(), static_cast<int>(x), out);
-    });
-}
-
-bool WritePixels(ChunkSink& sink, const RasterImage& raster, int y) {
-    return WriteRow(sink, raster, y, 3, [](auto row, std::size_t x, auto out) {
+bool WritePixels(ByteSink& sink, const RasterImage& raster) {
+    const auto swap = [](Bytes row, std::size_t /*run*/, std::size_t x, Output out) {
         SwapRedBlue24(row.subspan(3 * x, out.size()), out);
-    });
+    };
+    return RowWriter(sink, raster, {.runs = 1, .pixel_bytes = 3}, swap).Write();
 }
 
-/// One band of a row, counted as in the file: red, green, blue.
-bool WriteBand(ChunkSink& sink, const RasterImage& raster, int y, std::size_t band) {
-    return WriteRow(sink, raster, y, 1, [band](auto row, std::size_t x, auto out) {
-        TakeChannel(row.subspan(3 * x, 3 * out.size()), 2 - band, out);
-    });
-}
-
-template <class Write>
-bool ForEachRow(const RasterImage& raster, Write write) {
-    for (int y = 0; y < raster.Height(); ++y) {
-        if (!write(y)) return false;
-    }
-    return true;
+/// Bands from first_band on, counted as in the file: red, green, blue.
+bool WriteBands(ByteSink& sink, const RasterImage& raster, std::size_t first_band,
+                std::size_t bands) {
+    const auto take = [first_band](Bytes row, std::size_t run, std::size_t x, Output out) {
+        TakeChannel(row.subspan(3 * x, 3 * out.size()), 2 - first_band - run, out);
+    };
+    return RowWriter(sink, raster, {.runs = bands, .pixel_bytes = 1}, take).Write();
 }
 
 }  // namespace
@@ -89,22 +114,16 @@ bool HasRawPixels(const RasterImage& raster) {
 
 bool WriteRawPixels(ByteSink& sink, const RasterImage& raster, RawLayout layout) {
     if (!HasRawPixels(raster)) return false;
-    ChunkSink chunks(sink);
-    bool written = true;
-    if (raster.Bits() != 24) {
-        written = ForEachRow(raster, [&](int y) { return WriteIndices(chunks, raster, y); });
-    } else if (layout == RawLayout::kBip) {
-        written = ForEachRow(raster, [&](int y) { return WritePixels(chunks, raster, y); });
-    } else if (layout == RawLayout::kBil) {
-        written = ForEachRow(raster, [&](int y) {
-            return WriteBand(chunks, raster, y, 0) && WriteBand(chunks, raster, y, 1) &&
-                   WriteBand(chunks, raster, y, 2);
-        });
-    } else {
-        for (std::size_t band = 0; band < 3 && written; ++band)
-            written = ForEachRow(raster, [&](int y) { return WriteBand(chunks, raster, y, band); });
+    if (raster.Bits() != 24) return WriteIndices(sink, raster);
+    switch (layout) {
+        case RawLayout::kBil:
+            return WriteBands(sink, raster, 0, 3);
+        case RawLayout::kBip:
+            return WritePixels(sink, raster);
+        default:
+            return WriteBands(sink, raster, 0, 1) && WriteBands(sink, raster, 1, 1) &&
+                   WriteBands(sink, raster, 2, 1);
     }
-    return written && chunks.Flush();
 }
 
 }  // namespace rastrel
