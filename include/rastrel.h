@@ -204,10 +204,10 @@ RASTREL_API int RASTREL_CALL Rastrel_ReadInfo(const char* name, int* width, int*
  * stands: they save as they were, but pixel functions see code bytes, and cropping and depth
  * conversions refuse them.
  *
- * Raw files (bil, bip, bsq) are pixels alone, one band or three (red, green, blue) of 8 bits. A text
- * header of the same name (hdr) must tell NROWS, NCOLS, NBANDS and NBITS, spelt so; its other lines
- * are passed over, and the type tells how the bands stand. A palette file (clr) may colour one
- * band, which is grey else. Rastrel_ReadInfo needs the header only, and tells any depth.
+ * Raw files (bil, bip, bsq) are pixels alone, one band or three (red, green, blue) of 8 bits. A
+ * text header of the same name (hdr) must tell NROWS, NCOLS, NBANDS and NBITS, spelt so; its other
+ * lines are passed over, and the type tells how the bands stand. A palette file (clr) may colour
+ * one band, which is grey else. Rastrel_ReadInfo needs the header only, and tells any depth.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Read(int handle, const char* name, int type);
 
@@ -377,11 +377,11 @@ RASTREL_API void RASTREL_CALL Rastrel_DeleteArrayFloat(float* array);
 /* ---- Statistics and stretch of typed arrays ------------------------------------------------- */
 
 /*
- * A typed array is one block of rows x columns samples of the host's, row after row without padding,
- * the top row first: unsigned bytes, shorts, ints or floats, as the function's suffix says. These
- * functions allocate nothing and check nothing: pointers and sizes are trusted, counts below 1 are
- * empty arrays, and outputs must not overlap inputs. Their results have the same bits in every
- * module and on every machine.
+ * A typed array is one block of rows x columns samples of the host's, row after row without
+ * padding, the top row first: unsigned bytes, shorts, ints or floats, as the function's suffix
+ * says. These functions allocate nothing and check nothing: pointers and sizes are trusted, counts
+ * below 1 are empty arrays, and outputs must not overlap inputs. Their results have the same bits
+ * in every module and on every machine.
  */
 
 /*
@@ -417,8 +417,8 @@ RASTREL_API void RASTREL_CALL Rastrel_StatisticsExFloat(const float* source, int
 /*
  * Maps samples to bytes linearly: 0 up to low, 255 from high on, (v - low) * 255 / (high - low)
  * truncated between them; 0 for what is not a number. Low and high are mean - k deviations and mean
- * + k deviations of all samples. The Ex form, which stores the bounds it used, takes the minimum and
- * maximum for k <= 0. Where all samples are equal they become 0.
+ * + k deviations of all samples. The Ex form, which stores the bounds it used, takes the minimum
+ * and maximum for k <= 0. Where all samples are equal they become 0.
  */
 RASTREL_API void RASTREL_CALL Rastrel_LinearStretchByte(uint8_t* output, const uint8_t* source,
                                                         int rows, int columns, double k);
@@ -450,20 +450,21 @@ RASTREL_API void RASTREL_CALL Rastrel_LinearStretchExFloat(uint8_t* output, cons
  *     gx = ((z3 + 2 z6 + z9) - (z1 + 2 z4 + z7)) * scale / 8
  *     gy = ((z7 + 2 z8 + z9) - (z1 + 2 z2 + z3)) * scale / 8
  * in double precision. Scale 1 / cell size (times any exaggeration) gives rise over run where
- * heights and cells have the same unit; below 0 it turns the ground over. Every sample counts: there
- * is no value for missing data. The outermost cells, which lack neighbours, get a fixed value.
+ * heights and cells have the same unit; below 0 it turns the ground over. Every sample counts:
+ * there is no value for missing data. The outermost cells, which lack neighbours, get a fixed
+ * value.
  *
  * Hillshading: 0 in the shade to 255 facing the light, sin(altitude) cos(slope) + cos(altitude)
  * sin(slope) cos(aspect - azimuth), times 255 and rounded, with slope = atan(sqrt(gx^2 + gy^2)) and
  * aspect = atan2(-gx, -gy); altitude above the horizon and azimuth in degrees. Border 255. 0 where
  * a neighbour is not a number.
  *
- * Slope: atan(sqrt(gx^2 + gy^2)) in whole degrees, truncated. Border 0; 0 where a neighbour is not a
- * number.
+ * Slope: atan(sqrt(gx^2 + gy^2)) in whole degrees, truncated. Border 0; 0 where a neighbour is not
+ * a number.
  *
- * Aspect: classes of 45 degrees around 0 = rising toward the first row, 2 = toward the first column,
- * 4 = toward the last row, 6 = toward the last column; 8 on level ground and the border. Cells
- * between 337.5 and 337.7 degrees, and where a neighbour is not a number, are not written.
+ * Aspect: classes of 45 degrees around 0 = rising toward the first row, 2 = toward the first
+ * column, 4 = toward the last row, 6 = toward the last column; 8 on level ground and the border.
+ * Cells between 337.5 and 337.7 degrees, and where a neighbour is not a number, are not written.
  *
  * Azimuths and classes are compass bearings for arrays whose first row is the southern one. For one
  * whose first row is the northern one, give 180 - azimuth, and read class c as (12 - c) modulo 8.
@@ -498,11 +499,12 @@ RASTREL_API void RASTREL_CALL Rastrel_AspectFloat(uint8_t* output, const float* 
                                                   int columns, double scale);
 
 /*
- * Hypsometric colours: each index takes its colour of a palette of 256 (red in the lowest byte, then
- * green and blue; the highest is ignored), whose value, as in hue, saturation and value (A. R. Smith,
- * "Color gamut transform pairs", 1978), becomes value * weight + shading / 255 * (1 - weight), at
- * least 0 and at most 1: weight 1 keeps the colours, 0 takes the brightness of the shading. Indices
- * and shading hold a byte for each cell; the output holds three, blue, green and red.
+ * Hypsometric colours: each index takes its colour of a palette of 256 (red in the lowest byte,
+ * then green and blue; the highest is ignored), whose value, as in hue, saturation and value (A. R.
+ * Smith, "Color gamut transform pairs", 1978), becomes value * weight + shading / 255 * (1 -
+ * weight), at least 0 and at most 1: weight 1 keeps the colours, 0 takes the brightness of the
+ * shading. Indices and shading hold a byte for each cell; the output holds three, blue, green and
+ * red.
  */
 RASTREL_API void RASTREL_CALL Rastrel_Ipsometry(uint8_t* output, const uint8_t* indices,
                                                 const uint8_t* shading, double weight, int rows,
@@ -510,8 +512,8 @@ RASTREL_API void RASTREL_CALL Rastrel_Ipsometry(uint8_t* output, const uint8_t* 
 
 /*
  * Smoothing: a twelfth of the sum of the eight neighbours and four times the cell itself; the
- * outermost cells are copied. Whole samples are summed in 32 bits, which wrap for ints beyond 2^31 /
- * 12, and the result is truncated toward zero; floats are summed in double precision.
+ * outermost cells are copied. Whole samples are summed in 32 bits, which wrap for ints beyond 2^31
+ * / 12, and the result is truncated toward zero; floats are summed in double precision.
  */
 RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Byte(uint8_t* output, const uint8_t* input,
                                                        int rows, int columns);
@@ -524,8 +526,8 @@ RASTREL_API void RASTREL_CALL Rastrel_Convolute3x3Float(float* output, const flo
 
 /*
  * Masks of a byte for each cell. Mask: the input byte where the mask is not 0, else 0. Mask24: the
- * input's three bytes (blue, green, red) where the mask is not 0, for invert other than 0 where it is
- * 0, and elsewhere the colour (red in the lowest byte).
+ * input's three bytes (blue, green, red) where the mask is not 0, for invert other than 0 where it
+ * is 0, and elsewhere the colour (red in the lowest byte).
  */
 RASTREL_API void RASTREL_CALL Rastrel_Mask(uint8_t* output, const uint8_t* input,
                                            const uint8_t* mask, int rows, int columns);
