@@ -24,7 +24,7 @@ Rectangles are x,y,width,height in pixels from the upper left corner.
 Formats go by their extension or code: bmp 0, jpg 1, gif 2, png 3, tif 4, qvi 5,
 bil 6, bip 7, bsq 8, sid 9, ecw 10, fot 11, map 12, gfc 13, gaf 14, jp2 15.
 Grids are read from raw samples with a .hdr (bil, bip, bsq, flt) and ESRI ASCII grids (asc, grd).
-This version reads and writes bmp and qvi.
+This version reads and writes bmp, qvi, bil, bip and bsq.
 Exit code: 0 all went well, 1 something failed, 2 wrong usage.)";
 
 int Run(int argc, char** argv) {
