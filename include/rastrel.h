@@ -39,16 +39,41 @@
  *   A name's format follows from its three-letter extension, in any case:
  *   bmp 0, jpg 1, gif 2, png 3, tif 4, qvi 5, bil 6, bip 7, bsq 8, sid 9, ecw 10, fot 11, map 12,
  *   gfc 13, gaf 14, jp2 and bin 15.
+ *   Where an image is read a name may also be an address: "http://", "https://" (at most 5
+ *   redirections, 256 MiB and 30 seconds, 10 of them to connect) or "file://" with an absolute
+ * path. The format is then the one of the content type that the server states, else that of the
+ *   address's extension, else the one that the content shows. Nothing of it stays on the disk.
+ *
+ * TIFF files
+ *   Read by libtiff, in strips or tiles, of 1 to 16 bits a sample: one sample a pixel becomes 8-bit
+ *   indices with a palette (greys, or the file's own), three or four become 24 bits. 16-bit samples
+ *   are scaled to 8. A file whose own tags say that it is rotated, skewed or flipped on the ground
+ *   is delivered north-up, in square cells; places without a pixel are white. The image's quality,
+ *   when it is a Compression tag value that can be written for the image, is the compression of a
+ *   saved file, else that of the file last read, else none. Messages of libtiff go to the end of
+ *   "RASTER.LOG" in the current folder.
+ *
+ * JPEG, PNG and JPEG 2000 files
+ *   JPEG (baseline, progressive and arithmetic): grey files become 8 bits with the grey palette,
+ *   those in colour 24; files of four colours (CMYK, YCCK) are refused. What a cut file lacks shows
+ *   grey. The image's quality, 1 to 100, is libjpeg's, and 0 or less the least; an image of 8 bits
+ *   becomes a grey file only with 100 + quality (101 to 199), its indices being the levels, and any
+ *   image of another depth a file of quality 100 with a code above 100.
+ *   PNG: 1 bit stays 1 bit; other greys and palettes become 8 bits, colours 24, whatever has alpha
+ *   32; 16-bit samples go to the nearest of 8 bits. One fully transparent palette entry or grey is
+ *   the transparent index. Written at any depth, without loss.
+ *   JPEG 2000 (JP2 files and bare codestreams): grey becomes 8 bits, colours 24, alpha is left out.
+ *   Quality 1 to 99 loses detail when saved, others none; 32 bits lose their alpha.
+ *   MrSID, ECW and AIMA images: no decoder is available, and every operation on them fails.
  *
  * Threads
  *   Any thread may call any function. Different handles can be used at the same time; work on one
  *   image from two threads at once is for the host to avoid. Work runs on the caller's thread.
  *
  * This version
- *   Built: handles, creation, pixels, palettes, depth conversions, the BMP, QVI and raw (BIL, BIP,
- *   BSQ) formats, all functions on typed arrays, the settings, and the georeference (but for the
- *   tags inside TIFF files). The other functions from "Display and desktop" on are exported but not
- *   built yet: each returns its failure value (0, or null for a pointer; those without a result do
+ *   Built: everything but what these sections below keep for later: "Display and desktop", the
+ *   resizing of "Resizing and mosaics" and the transforms of "Rectification". Their functions are
+ *   exported: each returns its failure value (0, or null for a pointer; those without a result do
  *   nothing) and touches none of its arguments.
  */
 #ifndef RASTREL_H_
@@ -188,8 +213,9 @@ RASTREL_API int RASTREL_CALL Rastrel_Copy(int target, int source);
 /* ---- Files ---------------------------------------------------------------------------------- */
 
 /*
- * Reads a file's size in pixels and its bits a pixel without its pixels, by its extension. Outputs
- * may be null, and keep their values on failure.
+ * Reads a file's size in pixels and its bits a pixel without its pixels, by its extension, as an
+ * address, or by its content, like Rastrel_Read. Outputs may be null, and keep their values on
+ * failure.
  */
 RASTREL_API int RASTREL_CALL Rastrel_ReadInfo(const char* name, int* width, int* height, int* bits);
 
@@ -198,6 +224,12 @@ RASTREL_API int RASTREL_CALL Rastrel_ReadInfo(const char* name, int* width, int*
  * leaves the raster as it was; a change of type gives the image an empty raster of the new type
  * first, and a type that is unknown or cannot be read leaves it without one. The name "" reads the
  * file again that the raster was last read from or saved to (its type must then be given).
+ *
+ * A name that fails so is tried as an address, and an existing file then by what it contains,
+ * whatever its name or the type say: the formats above by their first bytes, else Targa, Photoshop
+ * (the composite image), binary PGM and PPM with samples up to 255, Softimage PIC and Radiance HDR
+ * files, greys as 8, colours as 24, either with transparency as 32 bits. The image is then one of
+ * type BMP.
  *
  * A file that is cut short loads, its missing pixels zero, unless more than 64 MiB are missing;
  * damaged headers fail. BMP and QVI files with run-length coding load with their coded data as it
@@ -535,6 +567,92 @@ RASTREL_API void RASTREL_CALL Rastrel_Mask24(uint8_t* output, const uint8_t* inp
                                              const uint8_t* mask, int rows, int columns,
                                              uint32_t color, int invert);
 
+/* ---- Georeference --------------------------------------------------------------------------- */
+
+/*
+ * Where an image lies on the map: X and Y of the upper-left corner of its upper-left pixel, and the
+ * side of its square pixels, all in map units. Rotation is not told. These functions take the names
+ * of images, whether or not there are such files, and no handles.
+ *
+ * The image's extension, in any case, decides where its georeference is:
+ *   tif bmp gif jpg jp2 png qvi  a world file with the extension tfw bpw gfw jgw j2w pgw qiw; for a
+ *                                TIFF without one, the tags inside the TIFF
+ *   bil bip bsq                  the keywords ULXMAP, ULYMAP and XDIM in the header (hdr); ULXMAP
+ *                                and ULYMAP are taken for the pixel's corner, not its centre
+ *   fot map gfc gaf              the header inside the image, in units of 0.1 and, for the pixel
+ *                                size, 0.0001
+ *   ecw                          inside the image; this library has no reader for it
+ *   sid                          a world file: sdw when reading; written as for other images
+ *   others                       a world file with no extension at all: an image whose own name
+ *                                has none is its own world file, which writing would replace
+ * A world file or header lies in the image's folder. The library joins folder and name with "\"
+ * even where there is no folder: the companion of a bare "sheet.tif" is "\sheet.tfw", in the root
+ * of the current drive; "./sheet.tif" has its companion beside it. Where file names tell the two
+ * apart, a companion whose extension is in upper case is read when there is none in lower case.
+ */
+
+/*
+ * Stores the companion's name, or "ECWxxx", "FOTxxx", "MAPxxx", "GFCxxx" or "GAFxxx" for images
+ * that keep their georeference inside. The buffer must have room for a full path: the length of the
+ * name and 4 bytes more are enough.
+ */
+RASTREL_API int RASTREL_CALL Rastrel_FileNameGeoref(const char* name, char* companion);
+/*
+ * Reads the georeference. 0 when there is none: the outputs are then 0, 0 and 1 where a companion
+ * file is missing, and untouched where a header lacks what it should hold. A world file that opens
+ * is a success: an output whose line is missing or no number stays untouched, so that a caller can
+ * tell by setting it beforehand. Numbers that are not finite count as none. No output may be null.
+ */
+RASTREL_API int RASTREL_CALL Rastrel_ReadGeoref(const char* name, double* x, double* y,
+                                                double* pixel_size);
+/*
+ * Writes the georeference. World files are replaced whole; of a header its other lines stay, and of
+ * an image with a header inside all other bytes. 0, with every file as it was, when the file cannot
+ * be written, an image with a header inside is missing or too short, a value is not finite, or a
+ * field of such a header cannot hold a coordinate. There values are stored in whole units, half a
+ * unit rounded down; of a GFC's or GAF's pixel size only the lowest 16 bits are kept.
+ */
+RASTREL_API int RASTREL_CALL Rastrel_WriteGeoref(const char* name, double x, double y,
+                                                 double pixel_size);
+
+/* ---- TIFF by bands, QuickBird scenes -------------------------------------------------------- */
+
+/*
+ * Writes one tall TIFF file of width x height pixels from images stacked top to bottom, one at a
+ * time: the whole need not fit in memory, nor in 2 GiB. The file is written in its own place.
+ * - Open takes the Compression tag value (1 none, 2 to 4 fax codes for 1 bit, 5 LZW, 7 JPEG for
+ *   24 bits and grey, 8 Deflate, 32773 PackBits) and the first image, whose width must be the
+ *   total and whose depth (1, 4, 8 or 24) and palette the whole file has. Returns a writer, which
+ *   Close ends; 0, with no file made, when an argument does not fit.
+ * - Append adds the next image, of the same depth; its palette is not looked at, and rows of
+ *   another width are cut or filled up. 0, with nothing written, when the total height would be
+ *   exceeded; 0 also when the disk does not take it.
+ * - Close: 1 when all of the file has been written. The heights should add up to the total.
+ * A file begun with the 256 greys as palette has neither BitsPerSample nor
+ * PhotometricInterpretation; its rows are bytes all the same.
+ */
+RASTREL_API intptr_t RASTREL_CALL Rastrel_TIFFOpen(const char* name, int compression, int width,
+                                                   int height, int handle);
+RASTREL_API int RASTREL_CALL Rastrel_TIFFAppend(intptr_t writer, int handle);
+RASTREL_API int RASTREL_CALL Rastrel_TIFFClose(intptr_t writer);
+
+/*
+ * Reads a satellite scene of four 16-bit bands (11 bits used) row by row, one scene at a time in
+ * the whole module; opening another ends the one before. Files in tiles, of other depths or of
+ * another number of bands: 0.
+ * - ReadRow fills 3 bytes a pixel with the samples of bands 1, 2 and 3 divided by 8; with all three
+ *   tables of 256 bytes given, band 1 passes through blue_table, band 2 through green_table and
+ * band 3 through red_table; else they may be null. 0 past the last row.
+ * - Rows come bottom-up from a file whose first row is the top one, else in the file's order. A
+ *   strip is decoded at its first row only: bottom-up, of strips of several rows the other rows
+ * show what the strip before them held there.
+ */
+RASTREL_API int RASTREL_CALL Rastrel_QuickBird_Open(const char* name);
+RASTREL_API int RASTREL_CALL Rastrel_QuickBird_ReadRow(uint8_t* row, const uint8_t* red_table,
+                                                       const uint8_t* green_table,
+                                                       const uint8_t* blue_table);
+RASTREL_API int RASTREL_CALL Rastrel_QuickBird_Close(void);
+
 /* ---- Settings ------------------------------------------------------------------------------- */
 
 /*
@@ -597,97 +715,57 @@ RASTREL_API int RASTREL_CALL Rastrel_DialogSave(int handle, char* buffer, int* t
 /* ---- Colour reduction and GIF --------------------------------------------------------------- */
 
 /*
- * Reduces to 8 bits with a palette of at most 255 colours: the image's own if they suffice, else by
- * median cut (P. Heckbert, "Color Image Quantization for Frame Buffer Display", 1982). 8 bits or
- * fewer: left as it is, 1.
+ * GIF files: the first image of a file of either version is read, as 8-bit indices with the file's
+ * palette of up to 256 colours and its transparent index; of damaged files what can be decoded, the
+ * rest is index 0. Images of 1, 4 and 8 bits of at most 65,535 columns and rows are written, as
+ * GIF87a with 256 colours and without transparency. Why one could not be written is told in a
+ * message box (elsewhere on standard error), which waits for the user.
+ */
+
+/*
+ * Reduces an image of more than 8 bits to 8 with a palette of at most 255 colours: its own, sorted
+ * by blue, green and red, if they suffice, else those that median cut chooses (P. Heckbert, "Color
+ * Image Quantization for Frame Buffer Display", SIGGRAPH 1982) with components of as many bits as
+ * give no more than 32,767 colours. Nothing is dithered; alpha and transparent index are dropped. 8
+ * bits or fewer: left as it is, 1. 0 when memory does not suffice, the image as it was.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Conv24To8(int handle);
 
-/* Reduces to 8 bits with a given palette of count entries, 1 to 256, nearest by city block. */
+/*
+ * The same to a given palette of count entries, 1 to 256; the arrays stay the host's. Each pixel
+ * becomes the entry with the least sum of absolute differences of red, green and blue, the first of
+ * equals. 0 too for other counts and null arrays.
+ */
 RASTREL_API int RASTREL_CALL Rastrel_Conv24To8_Precalcolata(int handle, int count,
                                                             const uint8_t* red,
                                                             const uint8_t* green,
                                                             const uint8_t* blue);
 
-/* Converts a TIFF file into a GIF file, reducing its colours where needed. */
+/*
+ * Converts a TIFF file, whatever its name, into a GIF file. One that is read as 24 bits is reduced
+ * to the palette of at most 256 colours that median cut chooses for it. 0 when the one cannot be
+ * read or the other not written.
+ */
 RASTREL_API int RASTREL_CALL Rastrel_Tiff2Gif(const char* tiff_name, const char* gif_name);
 
-/* ---- TIFF and JPEG by bands, QuickBird scenes ----------------------------------------------- */
+/* ---- JPEG by bands -------------------------------------------------------------------------- */
 
 /*
- * Writes one tall TIFF of total width x height from images stacked top to bottom. Open takes the
- * TIFF compression tag value and the first image and returns a writer, 0 on failure; Append adds
- * the next image; Close ends the file. The heights must add up to the total.
+ * Writes one tall JPEG file, in its own place, of width x height pixels (each at most 65500) from
+ * images of that width stacked top to bottom, one at a time.
+ * - Open takes libjpeg's quality, brought into 1 to 99, and the first image: one of 8 bits makes a
+ *   grey file, any other a file in colour. Returns a writer, which Close ends; 0, with no file
+ * made, for another width, a height that is none, or a name that cannot be written.
+ * - Append adds the next image. 0, with nothing written, for another width; 0 also when the disk
+ *   does not take it. Grey files take shallow images, by the red of their palettes; files in colour
+ *   take 24 and 32 bits. This is not checked: others make rows of no use.
+ * - Close: 1 when all of the file has been written. The heights should add up to the total: rows
+ *   that reach below it are dropped, and where some are missing Close returns 0. reserved: 0.
  */
-RASTREL_API intptr_t RASTREL_CALL Rastrel_TIFFOpen(const char* name, int compression, int width,
-                                                   int height, int handle);
-RASTREL_API int RASTREL_CALL Rastrel_TIFFAppend(intptr_t writer, int handle);
-RASTREL_API int RASTREL_CALL Rastrel_TIFFClose(intptr_t writer);
-
-/* The same for JPEG; quality 1 to 99. The second argument of Close is reserved: 0. */
 RASTREL_API intptr_t RASTREL_CALL Rastrel_JPEGOpen(const char* name, int quality, int width,
                                                    int height, int handle);
 RASTREL_API int RASTREL_CALL Rastrel_JPEGAppend(intptr_t writer, int handle);
 RASTREL_API int RASTREL_CALL Rastrel_JPEGClose(intptr_t writer, int reserved);
-
-/*
- * Reads a satellite scene of four 16-bit bands (11 bits used) row by row, one scene at a time. A
- * row is 3 bytes a pixel, from the first three bands; with all three tables of 256 bytes given the
- * bytes pass through them. ReadRow: 0 past the last row.
- */
-RASTREL_API int RASTREL_CALL Rastrel_QuickBird_Open(const char* name);
-RASTREL_API int RASTREL_CALL Rastrel_QuickBird_ReadRow(uint8_t* row, const uint8_t* red_table,
-                                                       const uint8_t* green_table,
-                                                       const uint8_t* blue_table);
-RASTREL_API int RASTREL_CALL Rastrel_QuickBird_Close(void);
-
-/* ---- Georeference --------------------------------------------------------------------------- */
-
-/*
- * Where an image lies on the map: X and Y of the upper-left corner of its upper-left pixel, and the
- * side of its square pixels, all in map units. Rotation is not told. These functions take the names
- * of images, whether or not there are such files, and no handles.
- *
- * The image's extension, in any case, decides where its georeference is:
- *   tif bmp gif jpg jp2 png qvi  a world file with the extension tfw bpw gfw jgw j2w pgw qiw; for a
- *                                TIFF without one, the tags inside the TIFF
- *   bil bip bsq                  the keywords ULXMAP, ULYMAP and XDIM in the header (hdr); ULXMAP
- *                                and ULYMAP are taken for the pixel's corner, not its centre
- *   fot map gfc gaf              the header inside the image, in units of 0.1 and, for the pixel
- *                                size, 0.0001
- *   ecw                          inside the image; this library has no reader for it
- *   sid                          a world file: sdw when reading; written as for other images
- *   others                       a world file with no extension at all: an image whose own name
- *                                has none is its own world file, which writing would replace
- * A world file or header lies in the image's folder. The library joins folder and name with "\"
- * even where there is no folder: the companion of a bare "sheet.tif" is "\sheet.tfw", in the root
- * of the current drive; "./sheet.tif" has its companion beside it. Where file names tell the two
- * apart, a companion whose extension is in upper case is read when there is none in lower case.
- */
-
-/*
- * Stores the companion's name, or "ECWxxx", "FOTxxx", "MAPxxx", "GFCxxx" or "GAFxxx" for images
- * that keep their georeference inside. The buffer must have room for a full path: the length of the
- * name and 4 bytes more are enough.
- */
-RASTREL_API int RASTREL_CALL Rastrel_FileNameGeoref(const char* name, char* companion);
-/*
- * Reads the georeference. 0 when there is none: the outputs are then 0, 0 and 1 where a companion
- * file is missing, and untouched where a header lacks what it should hold. A world file that opens
- * is a success: an output whose line is missing or no number stays untouched, so that a caller can
- * tell by setting it beforehand. Numbers that are not finite count as none. No output may be null.
- */
-RASTREL_API int RASTREL_CALL Rastrel_ReadGeoref(const char* name, double* x, double* y,
-                                                double* pixel_size);
-/*
- * Writes the georeference. World files are replaced whole; of a header its other lines stay, and of
- * an image with a header inside all other bytes. 0, with every file as it was, when the file cannot
- * be written, an image with a header inside is missing or too short, a value is not finite, or a
- * field of such a header cannot hold a coordinate. There values are stored in whole units, half a
- * unit rounded down; of a GFC's or GAF's pixel size only the lowest 16 bits are kept.
- */
-RASTREL_API int RASTREL_CALL Rastrel_WriteGeoref(const char* name, double x, double y,
-                                                 double pixel_size);
 
 /* ---- Compositing ---------------------------------------------------------------------------- */
 
@@ -756,8 +834,9 @@ RASTREL_API int RASTREL_CALL Rastrel_MosaicaWithMask(int target, int source, int
 
 /*
  * One affine solution for the process, by least squares from control points: pixel centres at whole
- * numbers, rows from the top, against map X and Y. AddControlPoint returns the number of points;
- * Calculate fails with fewer than three or with all on a line.
+ * numbers, rows from the top, against map X and Y. AddControlPoint returns the number of points, 0
+ * when a value is not finite; Calculate fails, and leaves no solution, with fewer than three points
+ * or with all on a line. Reset forgets points and solution.
  */
 RASTREL_API int RASTREL_CALL Rastrel_AffineReset(void);
 RASTREL_API int RASTREL_CALL Rastrel_AffineAddControlPoint(double column, double row, double x,

@@ -13,15 +13,17 @@ die() {
 
 # What each part of the work needs, as Debian 12 package names.
 packages_native=(cmake ninja-build g++ pkg-config python3 googletest libgtest-dev
-    libhwy-dev liblzo2-dev libcli11-dev libfmt-dev)
+    libhwy-dev liblzo2-dev libtiff-dev libjpeg62-turbo-dev libpng-dev libopenjp2-7-dev
+    libcurl4-openssl-dev libstb-dev libcli11-dev libfmt-dev)
 packages_demo=(libjpeg-turbo-progs python-matplotlib-data netpbm)
-packages_checks=(gdal-bin imagemagick netpbm binutils dpkg-dev)
+packages_checks=(imagemagick netpbm giflib-tools libtiff-tools libjpeg-turbo-progs libopenjp2-tools
+    gdal-bin binutils dpkg-dev)
 packages_windows=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix binutils llvm lld dpkg-dev
-    googletest libcli11-dev libfmt-dev)
+    googletest libcli11-dev libfmt-dev libstb-dev make nasm)
 packages_wine=(wine64 wine fonts-wine libc6-i386 xvfb xauth util-linux)
 packages_fuzz=(clang libclang-rt-14-dev)
 packages_lint=(clang clang-tidy clang-format)
-packages_bench=(libbenchmark-dev)
+packages_bench=(libbenchmark-dev libgif-dev libleptonica-dev)
 
 # install_packages NAME...: installs what is missing; says nothing when nothing is.
 install_packages() {

@@ -1,12 +1,24 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "api/handle_table.h"
 #include "core/image_object.h"
 
 namespace rastrel {
+
+/// A colour from arguments, of which the lowest eight bits count.
+[[nodiscard]] inline Color ColorOf(int red, int green, int blue) {
+    return {static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green),
+            static_cast<std::uint8_t>(blue)};
+}
+
+/// A key colour from arguments; none when its flag is 0.
+[[nodiscard]] inline std::optional<Color> KeyColor(int flag, int red, int green, int blue) {
+    return flag != 0 ? std::optional(ColorOf(red, green, blue)) : std::nullopt;
+}
 
 /// The body of every exported function: runs it and turns whatever it throws, which is only
 /// exhausted memory, into the failure value. Nothing crosses the module's border.

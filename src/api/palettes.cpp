@@ -1,10 +1,7 @@
 // Palettes of images.
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
-
 #include "api/calls.h"
+#include "api/palette_arguments.h"
 #include "rastrel.h"
 
 using namespace rastrel;
@@ -12,12 +9,9 @@ using namespace rastrel;
 int RASTREL_CALL Rastrel_SetPalette(int handle, int count, const uint8_t* red, const uint8_t* green,
                                     const uint8_t* blue) {
     return WithRaster(handle, 0, [=](RasterImage& raster) {
-        if (count < 1 || static_cast<std::size_t>(count) > Palette::kMostEntries) return 0;
-        if (red == nullptr || green == nullptr || blue == nullptr) return 0;
-        std::array<Color, Palette::kMostEntries> colors;
-        for (int i = 0; i < count; ++i)
-            colors[static_cast<std::size_t>(i)] = {red[i], green[i], blue[i]};
-        raster.SetPalette(Palette(std::span(colors).first(static_cast<std::size_t>(count))));
+        const auto palette = PaletteFrom(count, red, green, blue);
+        if (!palette) return 0;
+        raster.SetPalette(*palette);
         return 1;
     });
 }

@@ -14,11 +14,6 @@ using namespace rastrel;
 
 namespace {
 
-Color ColorOf(int red, int green, int blue) {
-    return {static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green),
-            static_cast<std::uint8_t>(blue)};
-}
-
 /// Outputs may be null.
 void StoreColor(Color color, uint8_t* red, uint8_t* green, uint8_t* blue) {
     if (red != nullptr) *red = color.red;

@@ -94,6 +94,12 @@ class FileSink final : public ByteSink {
         if (!file) return nullptr;
         return std::unique_ptr<FileSink>(new FileSink(std::move(file)));
     }
+    /// The same for a file that is written in its own place: what is written stays in any case.
+    [[nodiscard]] static std::unique_ptr<FileSink> CreateInPlace(const std::string& name) {
+        auto file = ReplacingFile::CreateInPlace(name);
+        if (!file) return nullptr;
+        return std::unique_ptr<FileSink>(new FileSink(std::move(file)));
+    }
     [[nodiscard]] bool Write(std::span<const std::uint8_t> bytes) override {
         return file_->Write(bytes);
     }

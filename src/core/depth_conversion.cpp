@@ -4,24 +4,13 @@
 #include <array>
 #include <vector>
 
+#include "core/converted_image.h"
 #include "core/pixel_reader.h"
 #include "core/pixel_rows.h"
 
 namespace rastrel {
 
 namespace {
-
-/// An image of the raster's size and resolution at another depth, to be filled row by row; without
-/// a block when memory does not suffice.
-class ConvertedImage : public RasterImage {
-  public:
-    ConvertedImage(const RasterImage& raster, int bits) {
-        DibBlock block = DibBlock::Create(raster.Width(), raster.Height(), bits);
-        if (!block) return;
-        CopyResolution(raster.Block(), block);
-        ReplaceBlock(std::move(block));
-    }
-};
 
 bool UsesOnlyIndices0And1(const RasterImage& raster) {
     const auto width = static_cast<std::size_t>(raster.Width());

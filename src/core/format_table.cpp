@@ -25,4 +25,12 @@ int ImageTypeFromName(std::string_view name) {
     return kNoImageType;
 }
 
+int ImageTypeFromContent(ByteSource& source) {
+    for (const FormatRow& row : FormatTable()) {
+        source.Seek(0);
+        if (row.recognises != nullptr && row.recognises(source)) return row.type;
+    }
+    return kNoImageType;
+}
+
 }  // namespace rastrel

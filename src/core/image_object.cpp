@@ -1,9 +1,13 @@
 #include "core/image_object.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "core/byte_source.h"
 #include "core/channels.h"
+#include "core/network_source.h"
 #include "core/portion.h"
+#include "platform/temporary_file.h"
 
 namespace rastrel {
 
@@ -43,43 +47,97 @@ bool ImageObject::CombineBands(const ImageObject& red, const ImageObject& green,
            CombineChannels(*raster_, *red.raster_, *green.raster_, *blue.raster_);
 }
 
-bool ImageObject::PrepareToRead(const std::string& name, int type) {
+bool ImageObject::ChooseClass(const std::string& name, int type) {
     const int old_type = type_;
-    file_name_ = name;
     type_ = type == kNoImageType ? ImageTypeFromName(name) : type;
     return (raster_ && type_ == old_type) || MakeRaster(type_);
 }
 
-bool ImageObject::Read(const std::string& name, int type) {
-    // Here ends, for now, the list of ways to read: names that fail would next be tried as network
-    // addresses, then by a decoder for whatever the content turns out to be.
-    return PrepareToRead(name, type) && raster_->Read(name);
-}
-
-bool ImageObject::ReadPart(const std::string& name, int type, Rect part, int reduction) {
-    if (!PrepareToRead(name, type) || reduction < 1) return false;
-    const FormatRow* format = FindFormat(type_);
-    if (format->reads_parts) {
-        return reduction == 1 ? raster_->ReadPart(name, part)
-                              : raster_->ReadPartReduced(name, part, reduction);
-    }
-    // Beside the raster, so that a part that turns out empty leaves it as it was.
-    const std::unique_ptr<RasterImage> whole = MakeFormat(format);
-    whole->SetQuality(raster_->Quality());
-    const std::string& file_name = name.empty() ? raster_->FileName() : name;
-    if (!whole->Read(file_name) || !ExtractPortion(*whole, part, reduction)) return false;
-    raster_->TakeOver(*whole);
-    raster_->SetFileName(whole->FileName());
+bool ImageObject::ByTypeOrAddress(const std::string& name, int type, const Operation& operation) {
+    file_name_ = name;
+    if (ChooseClass(name, type) && operation(name)) return true;
+    const auto copy = FetchLocalCopy(name);
+    if (!copy || !ChooseClass(copy->Path(), kNoImageType) || !operation(copy->Path())) return false;
+    raster_->SetFileName({});  // the copy ends here
     return true;
 }
 
+std::unique_ptr<RasterImage> ImageObject::ByContent(const std::string& name,
+                                                    const OperationOn& operation) const {
+    const auto source = FileSource::Open(name);
+    if (!source) return nullptr;
+    const int type = ImageTypeFromContent(*source);
+    // Its class has just failed.
+    if (type != kNoImageType && type == type_) return nullptr;
+    auto raster = type == kNoImageType ? MakeOtherFormat() : MakeFormat(FindFormat(type));
+    return raster && operation(*raster) ? std::move(raster) : nullptr;
+}
+
+bool ImageObject::BecomeBmp(RasterImage& source) {
+    std::unique_ptr<RasterImage> bmp = MakeFormat(FindFormat(kBmpImageType));
+    bmp->TakeOver(source);
+    const auto file = TemporaryFile::Create("bmp");
+    if (!file || !bmp->Write(file->Path()) || !bmp->Read(file->Path())) return false;
+    bmp->SetFileName({});  // the file ends here
+    raster_ = std::move(bmp);
+    type_ = kBmpImageType;
+    return true;
+}
+
+bool ImageObject::Read(const std::string& name, int type) {
+    if (ByTypeOrAddress(name, type, [this](const auto& file) { return raster_->Read(file); }))
+        return true;
+    const auto found = ByContent(name, [&name](RasterImage& raster) { return raster.Read(name); });
+    return found && BecomeBmp(*found);
+}
+
+bool ImageObject::ReadPartByClass(const std::string& name, Rect part, int reduction) {
+    const FormatRow* format = FindFormat(type_);
+    const PartialReads partial = format->partial;
+    if (partial != PartialReads::kNone && reduction == 1) return raster_->ReadPart(name, part);
+    if (partial == PartialReads::kReduced) return raster_->ReadPartReduced(name, part, reduction);
+    // Beside the raster, so that a part that turns out empty leaves it as it was.
+    const std::unique_ptr<RasterImage> larger = MakeFormat(format);
+    larger->SetQuality(raster_->Quality());
+    const std::string& file_name = name.empty() ? raster_->FileName() : name;
+    if (partial == PartialReads::kParts) {
+        if (!larger->ReadPart(file_name, part)) return false;
+        part = {0, 0, larger->Width(), larger->Height()};
+    } else if (!larger->Read(file_name)) {
+        return false;
+    }
+    if (!ExtractPortion(*larger, part, reduction)) return false;
+    raster_->TakeOver(*larger);
+    raster_->SetFileName(larger->FileName());
+    return true;
+}
+
+bool ImageObject::ReadPart(const std::string& name, int type, Rect part, int reduction) {
+    const bool read = ByTypeOrAddress(name, type, [&](const auto& file) {
+        return reduction >= 1 && ReadPartByClass(file, part, reduction);
+    });
+    if (read || reduction < 1) return read;
+    const auto found = ByContent(name, [&](RasterImage& raster) {
+        return raster.Read(name) && ExtractPortion(raster, part, reduction);
+    });
+    return found && BecomeBmp(*found);
+}
+
 bool ImageObject::ReadInfo(const std::string& name, ImageInfo& info) {
-    return PrepareToRead(name, kNoImageType) && raster_->ReadInfo(name, info);
+    const auto read = [&](const auto& file) { return raster_->ReadInfo(file, info); };
+    if (ByTypeOrAddress(name, kNoImageType, read)) return true;
+    return ByContent(name, [&](RasterImage& raster) { return raster.ReadInfo(name, info); }) !=
+           nullptr;
 }
 
 bool ImageObject::Save(const std::string& name, int type) {
     if (!raster_) return false;
     const int target = type == kNoImageType ? ImageTypeFromName(name) : type;
+    if (const FormatRow* own = FindFormat(type_)) {
+        // Type and name stay then: the image is still the one that was read.
+        if (std::ranges::find(own->exports, target) != own->exports.end())
+            return raster_->ExportAs(name, target);
+    }
     if (target == type_) {
         if (!raster_->Write(name)) return false;
     } else {

@@ -131,6 +131,10 @@ bool RasterImage::Describe(FormatTexts& /*texts*/) const {
     return false;
 }
 
+bool RasterImage::ExportAs(const std::string& /*name*/, int /*type*/) {
+    return false;
+}
+
 bool RasterImage::HasPlainRows() const {
     return HasBlock() && !IsRunLengthCoded(block_.Header());
 }

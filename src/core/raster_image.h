@@ -30,6 +30,7 @@ struct FormatTexts {
 /// Bits of the colour type, in the manner of PNG's.
 constexpr int kColorTypePalette = 1;
 constexpr int kColorTypeColor = 2;
+constexpr int kColorTypeAlpha = 4;
 constexpr int kColorTypePalettised = kColorTypePalette | kColorTypeColor;
 
 /// An image in memory: one bitmap block with its description, and a palette where it has one. The
@@ -70,6 +71,9 @@ class RasterImage {
     [[nodiscard]] virtual bool ReadPartReduced(const std::string& name, Rect part, int reduction);
     [[nodiscard]] virtual bool Write(const std::string& name);
     [[nodiscard]] virtual bool Describe(FormatTexts& texts) const;
+
+    /// Writes the image as a file of another type, for formats that do that by themselves.
+    [[nodiscard]] virtual bool ExportAs(const std::string& name, int type);
 
     [[nodiscard]] bool HasBlock() const { return static_cast<bool>(block_); }
     [[nodiscard]] const DibBlock& Block() const { return block_; }

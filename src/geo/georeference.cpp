@@ -5,10 +5,10 @@
 #include "core/ascii.h"
 #include "core/byte_source.h"
 #include "core/path_parts.h"
+#include "formats/tiff/geotiff.h"
 #include "geo/aima_header.h"
 #include "geo/companion.h"
 #include "geo/header_keys.h"
-#include "geo/tiff_georeference.h"
 #include "geo/world_file.h"
 
 namespace rastrel {
@@ -29,7 +29,8 @@ FoundGeoreference ReadFromCompanion(const std::string& image_name, const std::st
                                                  : ReadWorldFile(*source);
     }
     if (EqualsInAnyCase(extension, "tfw")) {
-        if (const auto tags = ReadTiffGeoreference(image_name)) return FoundGeoreference::Of(*tags);
+        if (const auto tags = ReadTiffGeoreference(image_name))
+            return FoundGeoreference::Of({tags->x, tags->y, tags->pixel_size});
     }
     return FoundGeoreference::None();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -47,20 +48,35 @@ class ReplacingFile {
   public:
     /// Null when the file cannot be created there.
     static std::unique_ptr<ReplacingFile> Create(const std::string& path);
+    /// The same for a file that is written in its own place: the old content is gone at once, and
+    /// what is written stays, committed or not.
+    static std::unique_ptr<ReplacingFile> CreateInPlace(const std::string& path);
     ReplacingFile(const ReplacingFile&) = delete;
     ReplacingFile& operator=(const ReplacingFile&) = delete;
     /// Without a Commit what was written is removed.
     ~ReplacingFile();
 
+    /// Writes at the current position, which is 0 at first, and moves it.
     [[nodiscard]] bool Write(std::span<const std::uint8_t> bytes);
+    /// False where the target has no positions, as a pipe.
+    [[nodiscard]] bool Seek(std::uint64_t position);
+    [[nodiscard]] std::uint64_t Position() const { return position_; }
+    /// The end of what was written.
+    [[nodiscard]] std::uint64_t Size() const { return size_; }
     /// Closes the file and gives it its name. Nothing can be written afterwards.
     [[nodiscard]] bool Commit();
 
   private:
     struct Handle;
     explicit ReplacingFile(std::unique_ptr<Handle> handle);
+    void MovePosition(std::uint64_t bytes) {
+        position_ += bytes;
+        size_ = std::max(size_, position_);
+    }
 
     std::unique_ptr<Handle> handle_;
+    std::uint64_t position_ = 0;
+    std::uint64_t size_ = 0;
 };
 
 /// An existing regular file whose bytes are changed where they stand.

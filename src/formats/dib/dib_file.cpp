@@ -113,18 +113,29 @@ void ReadColorTable(ByteSource& source, const DibFileHeader& file, const DibBloc
     }
 }
 
-void ReadLzoPixels(ByteSource& source, std::span<std::uint8_t> pixels) {
+/// What stands before an LZO stream.
+struct LzoLengths {
+    std::uint32_t plain_bytes = 0;
+    std::uint32_t stream_bytes = 0;
+};
+
+std::optional<LzoLengths> ReadLzoLengths(ByteSource& source) {
     std::array<std::uint8_t, 8> words = {};
     ByteReader in(ReadUpTo(source, words));
-    const std::uint32_t plain_bytes = in.U32();
-    const std::uint32_t stated_bytes = in.U32();
+    const LzoLengths lengths = {in.U32(), in.U32()};
+    return in.Ok() ? std::optional(lengths) : std::nullopt;
+}
+
+void ReadLzoPixels(ByteSource& source, std::span<std::uint8_t> pixels) {
+    const auto lengths = ReadLzoLengths(source);
+    if (!lengths) return;
     const std::uint64_t stream_bytes =
-        std::min<std::uint64_t>(stated_bytes, source.BytesFrom(source.Position()));
+        std::min<std::uint64_t>(lengths->stream_bytes, source.BytesFrom(source.Position()));
     const GlobalMemory stream(static_cast<std::size_t>(stream_bytes));
-    if (!in.Ok() || !stream) return;
+    if (!stream) return;
     const std::size_t got = source.Read({stream.data(), stream.size()});
     DecompressLzo({stream.data(), got},
-                  pixels.first(std::min<std::size_t>(plain_bytes, pixels.size())));
+                  pixels.first(std::min<std::size_t>(lengths->plain_bytes, pixels.size())));
 }
 
 /// Turns rows stored from the top down over.
@@ -203,6 +214,20 @@ std::optional<DibFileHeader> ReadDibHeader(ByteSource& source) {
     return file;
 }
 
+bool HasLzoPixels(ByteSource& source) {
+    source.Seek(0);
+    std::array<std::uint8_t, 2> signature = {};
+    ByteReader in(ReadUpTo(source, signature));
+    if (in.U16() != kSignature) return false;
+    source.Seek(0);
+    const auto file = ReadDibHeader(source);
+    if (!file) return false;
+    source.Seek(file->pixel_position);
+    const auto lengths = ReadLzoLengths(source);
+    return lengths && lengths->plain_bytes == file->header.image_size &&
+           lengths->stream_bytes <= source.BytesFrom(source.Position());
+}
+
 DibBlock ReadDibFile(ByteSource& source, PixelCoding coding) {
     const auto file = ReadDibHeader(source);
     if (!file || !IsPlausible(source, *file, coding)) return {};
@@ -217,6 +242,11 @@ DibBlock ReadDibFile(ByteSource& source, PixelCoding coding) {
         static_cast<void>(source.Read(pixels));  // what a short file lacks stays zero
     if (file->top_down) FlipRows(file->header, pixels);
     return block;
+}
+
+std::uint64_t MostLzoFileBytes(const DibBlock& block) {
+    constexpr std::uint64_t kLengthBytes = 8;
+    return kFileHeaderBytes + kLengthBytes + MostLzoBytes(block.Bytes().size());
 }
 
 bool WriteDibFile(ByteSink& sink, const DibBlock& block, PixelCoding coding) {

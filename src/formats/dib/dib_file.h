@@ -31,9 +31,16 @@ struct DibFileHeader {
 /// bitmap.
 [[nodiscard]] std::optional<DibFileHeader> ReadDibHeader(ByteSource& source);
 
+/// Whether a source's bytes are a bitmap file with LZO-compressed pixels: where the pixels begin
+/// two lengths stand that fit its headers and its size.
+[[nodiscard]] bool HasLzoPixels(ByteSource& source);
+
 /// Reads a whole bitmap file. What its headers promise and the file does not hold is zero, but
 /// a file that lacks more than kMostMissingBytes of what it promises is refused. Empty on failure.
 [[nodiscard]] DibBlock ReadDibFile(ByteSource& source, PixelCoding coding);
+
+/// Bytes that a block needs at most as a file with LZO-compressed pixels.
+[[nodiscard]] std::uint64_t MostLzoFileBytes(const DibBlock& block);
 
 /// Writes a block as a bitmap file. For data that are not run-length coded the image size in the
 /// block's header is computed anew. False when the header's size is not 40 or the sink fails; a

@@ -14,16 +14,11 @@ bool LzoIsReady() {
     return ready;
 }
 
-/// What the library's documentation gives as the most that incompressible data can grow to.
-std::size_t MostCompressedBytes(std::size_t bytes) {
-    return bytes + bytes / 16 + 64 + 3;
-}
-
 }  // namespace
 
 LzoPixels CompressLzo(std::span<const std::uint8_t> pixels) {
     if (!LzoIsReady()) return {};
-    LzoPixels result{GlobalMemory(MostCompressedBytes(pixels.size()))};
+    LzoPixels result{GlobalMemory(MostLzoBytes(pixels.size()))};
     const std::unique_ptr<std::uint8_t[]> work(new (std::nothrow)
                                                    std::uint8_t[LZO1X_1_MEM_COMPRESS]);
     if (!result.memory || !work) return {};

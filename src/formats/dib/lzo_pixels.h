@@ -18,6 +18,11 @@ struct LzoPixels {
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {memory.data(), size}; }
 };
 
+/// What incompressible bytes can grow to at most, by the library's documentation.
+[[nodiscard]] constexpr std::size_t MostLzoBytes(std::size_t bytes) {
+    return bytes + bytes / 16 + 64 + 3;
+}
+
 /// Compresses pixels as one LZO1X-1 stream; empty when memory or the library fails.
 [[nodiscard]] LzoPixels CompressLzo(std::span<const std::uint8_t> pixels);
 

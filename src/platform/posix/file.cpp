@@ -155,6 +155,23 @@ std::unique_ptr<ReplacingFile> ReplacingFile::Create(const std::string& path) {
     return std::unique_ptr<ReplacingFile>(new ReplacingFile(std::move(handle)));
 }
 
+std::unique_ptr<ReplacingFile> ReplacingFile::CreateInPlace(const std::string& path) {
+    const std::string target = NativePath(path);
+    const int number = open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (number < 0) return nullptr;
+    std::unique_ptr<Handle> handle(new Handle{Descriptor(number), target, {}});
+    return std::unique_ptr<ReplacingFile>(new ReplacingFile(std::move(handle)));
+}
+
+bool ReplacingFile::Seek(std::uint64_t position) {
+    if (!handle_ || !handle_->descriptor.IsOpen()) return false;
+    if (position == position_) return true;
+    if (lseek(handle_->descriptor.Number(), static_cast<off_t>(position), SEEK_SET) < 0)
+        return false;
+    position_ = position;
+    return true;
+}
+
 bool ReplacingFile::Write(std::span<const std::uint8_t> bytes) {
     if (!handle_ || !handle_->descriptor.IsOpen()) return false;
     while (!bytes.empty()) {
@@ -163,6 +180,7 @@ bool ReplacingFile::Write(std::span<const std::uint8_t> bytes) {
         if (put < 0 && errno == EINTR) continue;
         if (put <= 0) return false;
         bytes = bytes.subspan(static_cast<std::size_t>(put));
+        MovePosition(static_cast<std::uint64_t>(put));
     }
     return true;
 }

@@ -105,7 +105,7 @@ std::size_t InputFile::Read(std::span<std::uint8_t> out) {
 struct ReplacingFile::Handle {
     FileHandle file;
     std::string target;
-    std::string temporary;  ///< empty once it has the target's name
+    std::string temporary;  ///< empty once it has the target's name, or is the target
 };
 
 ReplacingFile::ReplacingFile(std::unique_ptr<Handle> handle) : handle_(std::move(handle)) {}
@@ -134,6 +134,23 @@ std::unique_ptr<ReplacingFile> ReplacingFile::Create(const std::string& path) {
     return std::unique_ptr<ReplacingFile>(new ReplacingFile(std::move(handle)));
 }
 
+std::unique_ptr<ReplacingFile> ReplacingFile::CreateInPlace(const std::string& path) {
+    HANDLE raw = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
+                             FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (raw == INVALID_HANDLE_VALUE) return nullptr;
+    std::unique_ptr<Handle> handle(new Handle{FileHandle(raw), path, {}});
+    return std::unique_ptr<ReplacingFile>(new ReplacingFile(std::move(handle)));
+}
+
+bool ReplacingFile::Seek(std::uint64_t position) {
+    if (!handle_ || !handle_->file.IsOpen()) return false;
+    LARGE_INTEGER to = {};
+    to.QuadPart = static_cast<LONGLONG>(position);
+    if (!SetFilePointerEx(handle_->file.Get(), to, nullptr, FILE_BEGIN)) return false;
+    position_ = position;
+    return true;
+}
+
 bool ReplacingFile::Write(std::span<const std::uint8_t> bytes) {
     if (!handle_ || !handle_->file.IsOpen()) return false;
     std::size_t done = 0;
@@ -143,12 +160,14 @@ bool ReplacingFile::Write(std::span<const std::uint8_t> bytes) {
         if (!WriteFile(handle_->file.Get(), bytes.data() + done, ask, &put, nullptr) || put == 0)
             return false;
         done += put;
+        MovePosition(put);
     }
     return true;
 }
 
 bool ReplacingFile::Commit() {
     if (!handle_ || !handle_->file.IsOpen() || !handle_->file.Close()) return false;
+    if (handle_->temporary.empty()) return true;
     if (!MoveFileExA(handle_->temporary.c_str(), handle_->target.c_str(),
                      MOVEFILE_REPLACE_EXISTING))
         return false;
