@@ -15,12 +15,15 @@ using Job = std::function<bool()>;
 
 void AddAspectCommand(CLI::App& app, Job& job);
 void AddConvertCommand(CLI::App& app, Job& job);
+void AddGeorefCommand(CLI::App& app, Job& job);
 void AddHillshadeCommand(CLI::App& app, Job& job);
 void AddInfoCommand(CLI::App& app, Job& job);
 void AddPaletteCommand(CLI::App& app, Job& job);
+void AddQuantizeCommand(CLI::App& app, Job& job);
 void AddReliefCommand(CLI::App& app, Job& job);
 void AddSlopeCommand(CLI::App& app, Job& job);
 void AddSmoothCommand(CLI::App& app, Job& job);
+void AddStackCommand(CLI::App& app, Job& job);
 void AddStatsCommand(CLI::App& app, Job& job);
 void AddStretchCommand(CLI::App& app, Job& job);
 

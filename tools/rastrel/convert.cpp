@@ -6,10 +6,14 @@
 #include <unordered_map>
 
 #include "commands.h"
+#include "compression.h"
+#include "georeference.h"
 #include "image.h"
 #include "options.h"
 #include "progress_line.h"
+#include "quality.h"
 #include "reasons.h"
+#include "saving.h"
 #include "text.h"
 #include "types.h"
 
@@ -26,14 +30,24 @@ struct ConvertOptions {
     int output_type = -1;
     std::optional<int> depth;
     std::optional<int> quality;
+    std::optional<int> compression;  ///< a TIFF tag value
     std::optional<Rectangle> crop;
 };
+
+/// The name that an image of a type is really saved under: raw pixel files always take the
+/// extension of their layout.
+std::string SavedName(const std::string& name, int type) {
+    const bool is_raw = type >= RASTREL_TYPE_BIL && type <= RASTREL_TYPE_BSQ;
+    if (!is_raw || TypeFromFileName(name) == type) return name;
+    return fs::path(name).replace_extension(std::string(TypeName(type))).string();
+}
 
 /// Where one input goes: the output itself or, when that is a folder, a file in it with the input's
 /// name and the output format's extension.
 std::string OutputName(const ConvertOptions& options, const std::string& input) {
     std::error_code error;
-    if (!fs::is_directory(options.output, error)) return options.output;
+    if (!fs::is_directory(options.output, error))
+        return SavedName(options.output, options.output_type);
     fs::path name = fs::path(input).filename();
     if (options.output_type >= 0)
         name.replace_extension(std::string(TypeName(options.output_type)));
@@ -98,13 +112,23 @@ bool ConvertOne(const ConvertOptions& options, const std::string& input, Progres
                                     "library cannot convert from {} to {} bits",
                                     source_depth, *options.depth));
     }
-    if (options.quality) Rastrel_SetQuality(image.Handle(), *options.quality);
+    SetQualityFor(image, output, options.output_type, options.quality);
+    if (options.compression) {
+        // The library would fall back to one that it can write.
+        const std::string reason = WhyNotCompressed(image, *options.compression);
+        if (!reason.empty()) return fail(input, reason);
+        Rastrel_SetQuality(image.Handle(), *options.compression);
+    }
+    // Before the output is written, which may replace the input's companion.
+    const auto georeference = ReadGeoreference(input);
     progress.Say(fmt::format("{}saving {}", count, output));
-    if (Rastrel_Save(image.Handle(), output.c_str(), options.output_type) != 1)
-        return fail(output,
-                    WhyNotSaved(output, options.output_type, Rastrel_GetDepth(image.Handle())));
+    const std::string unsaved = Save(image, output, options.output_type);
+    if (!unsaved.empty()) return fail(output, unsaved);
     made.Add(output);
-    return true;
+    if (!georeference) return true;
+    const auto failure = WriteGeoreference(
+        output, options.crop ? OfPart(*georeference, *options.crop) : *georeference);
+    return !failure || fail(output, *failure);
 }
 
 bool Convert(const ConvertOptions& options) {
@@ -130,6 +154,17 @@ void SplitNames(ConvertOptions& options) {
                            "\" is none");
 }
 
+/// Compressions belong to TIFF files.
+void CheckCompression(const ConvertOptions& options) {
+    if (!options.compression) return;
+    std::error_code error;
+    const bool is_folder = fs::is_directory(options.output, error);
+    const int named =
+        TypeFromFileName(is_folder ? options.inputs.front() : options.output).value_or(-1);
+    if ((options.output_type >= 0 ? options.output_type : named) != RASTREL_TYPE_TIFF)
+        throw CLI::ValidationError("--compress", "the output is no TIFF file");
+}
+
 }  // namespace
 
 void AddConvertCommand(CLI::App& app, Job& job) {
@@ -145,10 +180,13 @@ void AddConvertCommand(CLI::App& app, Job& job) {
                   "the output's format, not by its extension");
     command->add_option("--depth", options->depth, "bits a pixel: 1, 8, 24 or 32")
         ->check(CLI::IsMember({1, 8, 24, 32}));
-    command->add_option("--quality", options->quality, "the format's code for quality");
+    command->add_option("--quality", options->quality,
+                        "of JPEG output, 1 to 100 (75); of JPEG 2000, 1 to 99, else without loss");
+    AddCompressOption(*command, options->compression);
     AddCropOption(*command, options->crop);
     command->callback([options, &job] {
         SplitNames(*options);
+        CheckCompression(*options);
         job = [options] { return Convert(*options); };
     });
 }

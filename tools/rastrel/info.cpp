@@ -1,8 +1,12 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "commands.h"
+#include "georeference.h"
 #include "image.h"
 #include "reasons.h"
+#include "text.h"
 #include "types.h"
 
 namespace rastrel_cli {
@@ -11,14 +15,15 @@ namespace {
 
 /// Reads as little as tells the format and palette: one pixel, where the format allows that.
 bool ReadForInfo(const Image& image, const std::string& name, int type) {
+    // Fetched once, and no more.
+    if (IsAddress(name)) return Rastrel_Read(image.Handle(), name.c_str(), type) == 1;
     return Rastrel_ReadPartial(image.Handle(), name.c_str(), type, 0, 0, 1, 1) == 1 ||
            Rastrel_Read(image.Handle(), name.c_str(), type) == 1;
 }
 
-/// A description of two lines as one.
+/// A description of several lines as one.
 std::string OneLine(std::string text) {
-    const std::size_t line_end = text.find('\n');
-    if (line_end != std::string::npos) text[line_end] = ' ';
+    std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
 }
 
@@ -28,10 +33,11 @@ bool ShowOne(const std::string& name, int type) {
         ReportFailure(name, WhyNotRead(name, type));
         return false;
     }
-    int width = 0;
-    int height = 0;
-    int bits = 0;
-    if (type >= 0 || Rastrel_ReadInfo(name.c_str(), &width, &height, &bits) != 1) {
+    int width = Rastrel_GetWidth(image.Handle());
+    int height = Rastrel_GetHeight(image.Handle());
+    int bits = Rastrel_GetDepth(image.Handle());
+    if (!IsAddress(name) &&
+        (type >= 0 || Rastrel_ReadInfo(name.c_str(), &width, &height, &bits) != 1)) {
         // A type that the name does not tell: only reading all of it gives the size.
         if (Rastrel_Read(image.Handle(), name.c_str(), type) != 1) {
             ReportFailure(name, WhyNotRead(name, type));
@@ -51,6 +57,8 @@ bool ShowOne(const std::string& name, int type) {
     PaletteEntry clear;
     if (Rastrel_GetTransparentColor(image.Handle(), &clear.red, &clear.green, &clear.blue) == 1)
         fmt::print("  transparent  {} {} {}\n", clear.red, clear.green, clear.blue);
+    if (const auto georeference = ReadGeoreference(name))
+        PrintGeoreference(*georeference, width, height);
     return true;
 }
 

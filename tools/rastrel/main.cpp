@@ -15,7 +15,12 @@ constexpr const char* kExamples = R"(Examples:
   rastrel convert sheet.bmp sheet.qvi
   rastrel convert --crop 100,50,640,480 --depth 24 sheet.bmp detail.bmp
   rastrel convert --type qvi north.bmp south.bmp archive/
+  rastrel convert --compress deflate sheet.bmp sheet.tif
+  rastrel convert --quality 85 sheet.png sheet.jpg
+  rastrel stack --compress lzw north.tif middle.tif south.tif tall.tif
+  rastrel quantize scene.tif scene.gif
   rastrel palette sheet.bmp
+  rastrel georef --set 600000,5100000,2 sheet.bmp
   rastrel stats dem.asc
   rastrel hillshade --azimuth 315 --altitude 45 dem.bil shade.bmp
   rastrel relief --ramp atlas --z-factor 2 dem.asc relief.bmp
@@ -24,7 +29,7 @@ Rectangles are x,y,width,height in pixels from the upper left corner.
 Formats go by their extension or code: bmp 0, jpg 1, gif 2, png 3, tif 4, qvi 5,
 bil 6, bip 7, bsq 8, sid 9, ecw 10, fot 11, map 12, gfc 13, gaf 14, jp2 15.
 Grids are read from raw samples with a .hdr (bil, bip, bsq, flt) and ESRI ASCII grids (asc, grd).
-This version reads and writes bmp, qvi, bil, bip and bsq.
+This version reads and writes bmp, jpg, gif, png, tif, jp2, qvi, bil, bip and bsq.
 Exit code: 0 all went well, 1 something failed, 2 wrong usage.)";
 
 int Run(int argc, char** argv) {
@@ -37,6 +42,9 @@ int Run(int argc, char** argv) {
     AddInfoCommand(app, job);
     AddPaletteCommand(app, job);
     AddConvertCommand(app, job);
+    AddQuantizeCommand(app, job);
+    AddStackCommand(app, job);
+    AddGeorefCommand(app, job);
     AddStatsCommand(app, job);
     AddStretchCommand(app, job);
     AddHillshadeCommand(app, job);

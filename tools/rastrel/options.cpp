@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 
+#include "compression.h"
 #include "text.h"
 #include "types.h"
 
@@ -59,6 +60,17 @@ void AddNumberOption(CLI::App& command, const std::string& name, double& number,
 
 void AddInputTypeOption(CLI::App& command, int& type) {
     AddTypeOption(command, "--from", type, "the inputs' format, not by their extensions");
+}
+
+void AddCompressOption(CLI::App& command, std::optional<int>& compression) {
+    command.add_option_function<std::string>(
+        "--compress",
+        [&compression](const std::string& text) {
+            compression = CompressionFromText(text);
+            if (!compression)
+                throw CLI::ValidationError("--compress", "\"" + text + "\" is no compression");
+        },
+        "of TIFF output: none, packbits, lzw, deflate, g3, g4 or jpeg");
 }
 
 void AddCropOption(CLI::App& command, std::optional<Rectangle>& crop) {

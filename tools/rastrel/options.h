@@ -21,6 +21,9 @@ void AddNumberOption(CLI::App& command, const std::string& name, double& number,
 /// --from, for the format of input images.
 void AddInputTypeOption(CLI::App& command, int& type);
 
+/// --compress, for a compression of TIFF files, which is stored as its tag value.
+void AddCompressOption(CLI::App& command, std::optional<int>& compression);
+
 /// --crop, for a rectangle.
 void AddCropOption(CLI::App& command, std::optional<Rectangle>& crop);
 

@@ -2,11 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
 #include <cstdio>
 #include <filesystem>
 
 #include "commands.h"
+#include "georeference.h"
+#include "quality.h"
 #include "reasons.h"
 #include "types.h"
 
@@ -19,14 +20,6 @@ namespace fs = std::filesystem;
 bool SameFile(const std::string& a, const std::string& b) {
     std::error_code error;
     return fs::equivalent(a, b, error) && !error;
-}
-
-/// The library joins folder and name of companion files with a separator even where there is no
-/// folder, and so takes them for files in the root.
-std::string WithFolder(const std::string& name) {
-    std::error_code error;
-    const fs::path whole = fs::absolute(name, error);
-    return error ? name : whole.string();
 }
 
 bool Create(const Image& image, const Picture& picture) {
@@ -68,6 +61,7 @@ bool SavePicture(const Picture& picture, const OutputOptions& output, const Grid
                                   picture.columns, picture.rows));
         return false;
     }
+    SetQualityFor(image, output.name, output.type);
     if (Rastrel_Save(image.Handle(), output.name.c_str(), output.type) != 1) {
         ReportFailure(output.name, WhyNotSaved(output.name, output.type, picture.bits));
         return false;
@@ -77,14 +71,10 @@ bool SavePicture(const Picture& picture, const OutputOptions& output, const Grid
 
 GridPlace PlaceOfPicture(const std::string& name) {
     GridPlace place;
-    double x = 0.0;
-    double y = 0.0;
-    double size = 0.0;
-    if (Rastrel_ReadGeoref(WithFolder(name).c_str(), &x, &y, &size) == 1 && std::isfinite(x) &&
-        std::isfinite(y) && std::isfinite(size)) {
-        place.x = x;
-        place.y = y;
-        place.cell_width = place.cell_height = size;
+    if (const auto georeference = ReadGeoreference(name)) {
+        place.x = georeference->x;
+        place.y = georeference->y;
+        place.cell_width = place.cell_height = georeference->pixel_size;
     }
     return place;
 }
@@ -101,8 +91,8 @@ bool SavePlace(const std::string& name, const GridPlace& place) {
         return leave_out("it states one pixel size, and the cells are not square");
     if (!TypeFromFileName(name))
         return leave_out("its name follows from the image's extension, and this is none");
-    if (Rastrel_WriteGeoref(WithFolder(name).c_str(), place.x, place.y, place.cell_width) != 1) {
-        ReportFailure(name, "its world file cannot be written");
+    if (const auto failure = WriteGeoreference(name, {place.x, place.y, place.cell_width})) {
+        ReportFailure(name, *failure);
         return false;
     }
     return true;

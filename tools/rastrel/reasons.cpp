@@ -9,6 +9,8 @@
 #include <memory>
 #include <system_error>
 
+#include "rastrel.h"
+#include "text.h"
 #include "types.h"
 
 namespace rastrel_cli {
@@ -28,26 +30,65 @@ std::string WhyNotOpened(const std::string& name, const char* mode) {
     return file ? "" : std::strerror(errno);
 }
 
-std::string WhyNoType(const std::string& name, const char* option) {
-    return fmt::format(
-        "the name \"{}\" has no extension of an image format; say the format with {}", name,
-        option);
-}
-
 int EffectiveType(const std::string& name, int type) {
     return type >= 0 ? type : TypeFromFileName(name).value_or(-1);
 }
 
+/// What is wrong with the header beside raw pixels; empty when there is no telling.
+std::string WhyNoRawPixels(const std::string& name) {
+    const fs::path header = fs::path(name).replace_extension(".hdr");
+    std::error_code error;
+    if (!fs::exists(header, error) && !fs::exists(fs::path(name).replace_extension(".HDR"), error))
+        return fmt::format("its header {} is missing", header.string());
+    int bits = 0;
+    if (Rastrel_ReadInfo(name.c_str(), nullptr, nullptr, &bits) == 1 && bits != 8 && bits != 24)
+        return fmt::format("its pixels have {} bits; of raw images those of 8 and 24 are read",
+                           bits);
+    return "";
+}
+
 }  // namespace
 
-std::string WhyNotRead(const std::string& name, int type) {
+std::string WhyNotOpened(const std::string& name) {
     std::error_code error;
     if (fs::is_directory(name, error)) return "it is a folder";
-    std::string opening = WhyNotOpened(name, "rb");
+    // Opening a pipe would wait for its other end.
+    if (fs::exists(name, error) && !fs::is_regular_file(name, error))
+        return "it is no ordinary file";
+    return WhyNotOpened(name, "rb");
+}
+
+std::string WhyNoFileThere(const std::string& name) {
+    std::error_code error;
+    if (fs::is_directory(name, error)) return "it is a folder";
+    const fs::path parent = fs::path(name).parent_path();
+    if (!parent.empty() && !fs::is_directory(parent, error))
+        return fmt::format("there is no folder \"{}\"", parent.string());
+    return fs::exists(name, error) ? WhyNotOpened(name, "r+b") : "";
+}
+
+std::string WhyNotWritten(const std::string& name) {
+    std::string reason = WhyNoFileThere(name);
+    if (!reason.empty()) return reason;
+    const fs::path parent = fs::path(name).parent_path();
+    std::error_code error;
+    const fs::space_info room = fs::space(parent.empty() ? fs::path(".") : parent, error);
+    return !error && room.available < kLittleRoom ? "the disk is full" : "";
+}
+
+std::string WhyNotRead(const std::string& name, int type) {
+    if (IsAddress(name))
+        return "what stands there cannot be fetched, or is no image that this version of the "
+               "library "
+               "can read";
+    std::string opening = WhyNotOpened(name);
     if (!opening.empty()) return opening;
-    if (!fs::is_regular_file(name, error)) return "it is no ordinary file";
     const int effective = EffectiveType(name, type);
-    if (effective < 0) return WhyNoType(name, "--from");
+    if (effective < 0) return "neither its name nor its content is that of a known format";
+    if (effective >= RASTREL_TYPE_BIL && effective <= RASTREL_TYPE_BSQ) {
+        std::string reason = WhyNoRawPixels(name);
+        if (!reason.empty()) return reason;
+    }
     return fmt::format(
         "it is damaged or no {} image, or this version of the library cannot read such images",
         TypeName(effective));
@@ -55,19 +96,10 @@ std::string WhyNotRead(const std::string& name, int type) {
 
 std::string WhyNotSaved(const std::string& name, int type, int bits) {
     const int effective = EffectiveType(name, type);
-    if (effective < 0) return WhyNoType(name, "--type");
-    std::error_code error;
-    if (fs::is_directory(name, error)) return "it is a folder";
-    const fs::path parent = fs::path(name).parent_path();
-    const fs::path folder = parent.empty() ? fs::path(".") : parent;
-    if (!fs::is_directory(folder, error))
-        return fmt::format("there is no folder \"{}\"", folder.string());
-    if (fs::exists(name, error)) {
-        std::string opening = WhyNotOpened(name, "r+b");
-        if (!opening.empty()) return opening;
-    }
-    const fs::space_info room = fs::space(folder, error);
-    if (!error && room.available < kLittleRoom) return "the disk is full";
+    if (effective < 0)
+        return "the name has no extension of an image format; say the format with --type";
+    std::string writing = WhyNotWritten(name);
+    if (!writing.empty()) return writing;
     return fmt::format(
         "the folder or disk does not take it, or this version of the library cannot "
         "write {} images of {} bits",

@@ -6,6 +6,12 @@ namespace rastrel_cli {
 
 // The library says that something failed; these find out, as well as can be told from outside, why.
 
+/// Why a file cannot be opened for reading; empty when it can.
+[[nodiscard]] std::string WhyNotOpened(const std::string& name);
+/// Why no file can have this name; empty when there is no telling.
+[[nodiscard]] std::string WhyNoFileThere(const std::string& name);
+/// Why a file cannot be made or replaced; empty when there is no telling.
+[[nodiscard]] std::string WhyNotWritten(const std::string& name);
 /// Why a file could not be read as an image of a type (-1: by its extension).
 [[nodiscard]] std::string WhyNotRead(const std::string& name, int type);
 /// Why an image of some depth could not be saved in a file.

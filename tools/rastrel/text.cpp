@@ -36,6 +36,12 @@ bool IsBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+bool IsAddress(std::string_view name) {
+    const std::string lower = LowerCase(name.substr(0, 8));
+    return lower.starts_with("http://") || lower.starts_with("https://") ||
+           lower.starts_with("file://");
+}
+
 std::optional<double> ParseFinite(std::string_view text) {
     text = WithoutPlus(text);
     double number = 0.0;

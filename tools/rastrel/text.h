@@ -13,6 +13,9 @@ namespace rastrel_cli {
 
 [[nodiscard]] bool IsBlank(char c);
 
+/// Whether a name is an address, of which the library fetches a copy.
+[[nodiscard]] bool IsAddress(std::string_view name);
+
 /// The whole text as a number: finite; nothing otherwise.
 [[nodiscard]] std::optional<double> ParseFinite(std::string_view text);
 /// The whole text as a whole number between two others.
