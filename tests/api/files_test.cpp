@@ -60,9 +60,13 @@ TEST(Read, ATypeGivenGoesBeforeTheExtension) {
     const TestImage image;
     EXPECT_EQ(Rastrel_Read(image, path.c_str(), RASTREL_TYPE_QVI), 1);
     EXPECT_EQ(image.Indices(), (Picture{"1234", "5678", "9abc"}));
-    EXPECT_EQ(Rastrel_Read(image, path.c_str(), 99), 0);
-    EXPECT_EQ(image.Width(), 0) << "no such type: no raster";
-    EXPECT_EQ(Rastrel_Read(image, path.c_str(), -2), 0);
+    // No such type: no raster. What the content is then decides.
+    for (const int type : {99, -2}) {
+        EXPECT_EQ(Rastrel_Read(image, folder.Path("missing.dat").c_str(), type), 0);
+        EXPECT_EQ(image.Width(), 0);
+        EXPECT_EQ(Rastrel_Read(image, path.c_str(), type), 1);
+        EXPECT_EQ(Rastrel_GetImageType(image), RASTREL_TYPE_BMP);
+    }
 }
 
 TEST(Read, AFailedReadOfTheSameTypeKeepsTheImage) {
@@ -232,7 +236,7 @@ TEST(Save, WhatFailsChangesNothing) {
     FillWithPattern(image);
     fs::create_directory(folder.Path("folder.bmp"));
     const std::string before = image.Fingerprint();
-    for (const char* name : {"a.tiff", "b.jpg", "c", "d.", "no/such/folder/e.bmp", "folder.bmp",
+    for (const char* name : {"a.tiff", "b.sid", "c", "d.", "no/such/folder/e.bmp", "folder.bmp",
                              "no/such/folder/f.qvi"}) {
         EXPECT_EQ(Rastrel_Save(image, folder.Path(name).c_str(), -1), 0) << name;
         EXPECT_EQ(image.Fingerprint(), before) << name;
@@ -283,6 +287,62 @@ TEST(Save, AFullDiskLeavesTheOldFile) {
     EXPECT_EQ(FileBytes(qvi), qvi_before);
     EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.bmp", "a.qvi"}));
     EXPECT_EQ(Rastrel_Save(image, "/dev/full", 0), 0);
+}
+
+TEST(Save, AFullDiskLeavesTheOldTiff) {
+    const TestFolder folder;
+    const std::string path = SaveSample(folder, "a.tif");
+    const Bytes before = FileBytes(path);
+    const TestImage image(100, 100, 24);
+    FillWithPattern(image);
+    for (const int compression : {1, 5, 7, 8, 32773}) {
+        Rastrel_SetQuality(image, compression);
+        ASSERT_EQ(Rastrel_Save(image, folder.Path("whole.tif").c_str(), -1), 1);
+        const rlim_t length = FileBytes(folder.Path("whole.tif")).size();
+        // The directory stands at the end, and the header is written last.
+        for (const rlim_t room : {rlim_t{0}, rlim_t{4}, rlim_t{8}, length / 2, length - 20}) {
+            const FullDisk disk(room);
+            EXPECT_EQ(Rastrel_Save(image, path.c_str(), -1), 0) << compression << ' ' << room;
+        }
+        EXPECT_EQ(FileBytes(path), before) << compression;
+        EXPECT_EQ(Rastrel_Save(image, "/dev/full", RASTREL_TYPE_TIFF), 0) << compression;
+    }
+    EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.tif", "whole.tif"}));
+}
+
+TEST(Save, AFullDiskLeavesTheOldFilesOfCodecs) {
+    const TestFolder folder;
+    const TestImage image(300, 300, 24);
+    FillWithPattern(image);
+    Rastrel_SetQuality(image, 100);
+    for (const char* name : {"a.jpg", "a.png", "a.jp2"}) {
+        const std::string path = folder.Path(name);
+        ASSERT_EQ(Rastrel_Save(image, path.c_str(), -1), 1);
+        const Bytes before = FileBytes(path);
+        for (const rlim_t room : {rlim_t{0}, rlim_t{8}, rlim_t{70000}, rlim_t{before.size() - 1}}) {
+            const FullDisk disk(room);
+            EXPECT_EQ(Rastrel_Save(image, path.c_str(), -1), 0) << name << ' ' << room;
+        }
+        EXPECT_EQ(FileBytes(path), before) << name;
+        EXPECT_EQ(Rastrel_Save(image, "/dev/full", Rastrel_GetImageType(image)), 0) << name;
+    }
+    EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.jp2", "a.jpg", "a.png"}));
+}
+
+TEST(Save, BandsOnAFullDiskFail) {
+    const TestFolder folder;
+    const TestImage band(300, 300, 24);
+    FillWithPattern(band);
+    for (const rlim_t room : {rlim_t{0}, rlim_t{1000}, rlim_t{400000}, rlim_t{540000}}) {
+        const FullDisk disk(room);
+        const intptr_t writer =
+            Rastrel_TIFFOpen(folder.Path("tall.tif").c_str(), 1, 300, 600, band);
+        const bool all_well = writer != 0 && Rastrel_TIFFAppend(writer, band) == 1;
+        EXPECT_FALSE(Rastrel_TIFFClose(writer) == 1 && all_well) << room;
+        const intptr_t jpeg = Rastrel_JPEGOpen(folder.Path("tall.jpg").c_str(), 99, 300, 600, band);
+        const bool jpeg_well = jpeg != 0 && Rastrel_JPEGAppend(jpeg, band) == 1;
+        EXPECT_FALSE(Rastrel_JPEGClose(jpeg, 0) == 1 && jpeg_well && room < 100000) << room;
+    }
 }
 
 TEST(Save, WhatMayNotBeWrittenStays) {

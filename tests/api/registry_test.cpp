@@ -233,15 +233,38 @@ int WorkOnOwnImages(const TestFolder& folder, int number) {
     return wrong;
 }
 
+/// The same for files of every format. All readers are at work at once.
+int WorkOnOwnFiles(const TestFolder& folder, int number) {
+    int wrong = 0;
+    const auto check = [&wrong](bool right) { wrong += right ? 0 : 1; };
+    for (int round = 0; round < 5; ++round) {
+        for (const char* format : {"bmp", "qvi", "tif", "png", "jpg", "jp2", "gif", "bip"}) {
+            const std::string name = folder.Path(std::to_string(number) + "." + format);
+            const TestImage image(30 + number, 20, format == std::string("gif") ? 8 : 24);
+            if (image.Depth() == 8) check(Rastrel_SetGrayPalette(image) == 1);
+            check(Rastrel_Fill(image, 100 + number, 100 + number, 100 + number) == 1);
+            check(Rastrel_Save(image, name.c_str(), -1) == 1);
+            const TestImage read;
+            check(Rastrel_Read(read, name.c_str(), -1) == 1);
+            check(read.Width() == 30 + number);
+            check(read.ColorAt(5, 5) == Rgb{100 + number, 100 + number, 100 + number} ||
+                  format == std::string("jpg"));
+        }
+    }
+    return wrong;
+}
+
 TEST(Registry, ThreadsOnDifferentHandlesDoNotMeet) {
-    const TestFolder folder;
-    std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 8; ++number)
-        threads.emplace_back([&, number] { wrong += WorkOnOwnImages(folder, number); });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(wrong, 0);
+    for (const auto work : {WorkOnOwnImages, WorkOnOwnFiles}) {
+        const TestFolder folder;
+        std::atomic<int> wrong{0};
+        std::vector<std::thread> threads;
+        for (int number = 0; number < 8; ++number)
+            threads.emplace_back([&, number] { wrong += work(folder, number); });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(wrong, 0);
+    }
 }
 
 TEST(Registry, DeletingAnImageInUseLetsTheCallFinish) {
