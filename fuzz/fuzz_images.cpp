@@ -170,6 +170,19 @@ void ReadFile(Program& program, int handle) {
     }
 }
 
+void To8Bits(int handle) {
+    if (Rastrel_GetDepth(handle) > 8 && Rastrel_Conv24To8(handle) != 1) std::abort();
+    Rastrel_Conv1To8(handle);
+}
+
+void To1Bit(int handle) {
+    const std::uint8_t levels[] = {0, 200, 255};
+    if (Rastrel_GetDepth(handle) > 8 &&
+        Rastrel_Conv24To8_Precalcolata(handle, 3, levels, levels, levels) != 1)
+        std::abort();
+    Rastrel_Conv8To1(handle);
+}
+
 void Step(Program& program) {
     const int operation = program.Byte() % 20;
     const int handle = program.Handle();
@@ -206,10 +219,10 @@ void Step(Program& program) {
             Rastrel_Conv8To24(handle);
             break;
         case 11:
-            Rastrel_Conv1To8(handle);
+            To8Bits(handle);
             break;
         case 12:
-            Rastrel_Conv8To1(handle);
+            To1Bit(handle);
             break;
         case 13: {
             const Rectangle r = TakeRectangle(program);

@@ -55,6 +55,8 @@ void ReadAndUse(std::span<const std::uint8_t> bytes) {
             info.bits == image.Bits());
     if (image.Block().Bytes().size() > kMostUsedBytes) return;
 
+    // Grey JPEG files stay grey.
+    image.SetQuality(175);
     MemorySink sink;
     const bool written = image.WriteTo(sink);
     MemorySource written_source(sink.Bytes());
