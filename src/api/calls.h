@@ -77,4 +77,22 @@ template <class Build>
     });
 }
 
+/// The body of functions that make a new image out of another one, which may be the target: make is
+/// given the source's raster and an empty one, and tells whether it filled it. The target then
+/// becomes an image of the source's type; until then, and on failure, it stays as it is.
+template <class Make>
+[[nodiscard]] int MakeImageFrom(int target, int source, Make make) noexcept {
+    return WithImages(
+        0,
+        [&](const ImageObject& /*old*/, const ImageObject& original) {
+            RasterImage result;
+            if (!original.IsValid() || !make(*original.Raster(), result)) return 0;
+            const auto fresh = std::make_shared<ImageObject>();
+            return fresh->TakeOver(original.Type(), result) && ImageTable().Replace(target, fresh)
+                       ? 1
+                       : 0;
+        },
+        target, source);
+}
+
 }  // namespace rastrel

@@ -42,19 +42,6 @@ int RASTREL_CALL Rastrel_DialogSave(int /*handle*/, char* /*buffer*/, int* /*typ
     return 0;
 }
 
-// Resizing
-
-int RASTREL_CALL Rastrel_Resize(int /*target*/, int /*source*/, int /*width*/, int /*height*/,
-                                int /*mode*/) {
-    return 0;
-}
-
-int RASTREL_CALL Rastrel_ResizeEx(int /*target*/, int /*source*/, int /*x*/, int /*y*/,
-                                  int /*width*/, int /*height*/, int /*new_width*/,
-                                  int /*new_height*/) {
-    return 0;
-}
-
 // Rectification
 
 int RASTREL_CALL Rastrel_AffineTransform(int /*target*/, int /*source*/, double /*xmin*/,

@@ -30,6 +30,13 @@ bool ImageObject::Create(int width, int height, int bits, int color_type) {
     return MakeRaster(type_) && raster_->Create(width, height, bits, color_type);
 }
 
+bool ImageObject::TakeOver(int type, RasterImage& raster) {
+    if (!MakeRaster(type)) return false;
+    type_ = type;
+    raster_->TakeOver(raster);
+    return true;
+}
+
 bool ImageObject::CopyFrom(const ImageObject& source) {
     type_ = source.type_;
     file_name_ = source.file_name_;

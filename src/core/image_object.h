@@ -32,6 +32,10 @@ class ImageObject {
         raster_ = std::move(raster);
     }
 
+    /// Becomes an image of a type, with the pixels of a raster of any class, which is left without.
+    /// False for a type that has no class.
+    bool TakeOver(int type, RasterImage& raster);
+
     /// A new raster of zero pixels, of type BMP; a negative colour type: the depth's default.
     bool Create(int width, int height, int bits, int color_type = -1);
     /// Becomes a deep copy of another image.

@@ -2,51 +2,21 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <limits>
 
 namespace rastrel {
 
-namespace {
-
-/// Rounded to the nearest pixel, by truncation: places up to one and a half pixels below zero still
-/// give 0. False for places that no picture reaches.
-bool NearestPixel(double place, std::int64_t& pixel) {
-    const double shifted = place + 0.499999999;
-    if (!(std::abs(shifted) < 4.0e9)) return false;
-    pixel = static_cast<std::int64_t>(shifted);
-    return true;
-}
-
-bool CountCells(double length, double cell_size, int& count) {
-    const double cells = length * (1.0 / cell_size) + 0.4999999;
-    if (!(cells >= 1 && cells < std::numeric_limits<std::int32_t>::max())) return false;
-    count = static_cast<int>(cells);
-    return true;
-}
-
-}  // namespace
-
 NorthUpGrid::NorthUpGrid(const QVgeotif& geotif)
     : geotif_(geotif),
-      cell_size_(QVgeotif_Affine_Cellsize(geotif)),
-      xmin_(QVgeotif_Affine_xmin(geotif)),
-      ymax_(QVgeotif_Affine_ymax(geotif)) {}
-
-double NorthUpGrid::CellX(std::int64_t column) const {
-    return xmin_ + (static_cast<double>(column) + 0.5) * cell_size_;
-}
-
-double NorthUpGrid::CellY(std::int64_t row) const {
-    return ymax_ - (static_cast<double>(row) + 0.5) * cell_size_;
-}
+      cells_{QVgeotif_Affine_xmin(geotif), QVgeotif_Affine_ymax(geotif),
+             QVgeotif_Affine_Cellsize(geotif)} {}
 
 std::optional<Size> NorthUpGrid::GridSize() const {
-    Size size;
-    if (!CountCells(QVgeotif_Affine_xmax(geotif_) - xmin_, cell_size_, size.width) ||
-        !CountCells(ymax_ - QVgeotif_Affine_ymin(geotif_), cell_size_, size.height))
-        return std::nullopt;
+    const auto width = CountCells(QVgeotif_Affine_xmax(geotif_) - cells_.x_min, cells_.cell_size);
+    const auto height = CountCells(cells_.y_max - QVgeotif_Affine_ymin(geotif_), cells_.cell_size);
+    if (!width || !height) return std::nullopt;
+    const Size size{*width, *height};
     // A picture turned by 45 degrees stays below the square of its sides' sum; tags that squeeze it
     // into a line would make a few pixels fill all memory.
     constexpr double kMostSpread = 64;
@@ -66,8 +36,8 @@ Rect NorthUpGrid::SourceOf(const Rect& part) const {
          {std::int64_t{part.x}, std::int64_t{part.x} + part.width - 1}) {
         for (const std::int64_t row :
              {std::int64_t{part.y}, std::int64_t{part.y} + part.height - 1}) {
-            double x = CellX(column);
-            double y = CellY(row);
+            double x = cells_.CenterX(column);
+            double y = cells_.CenterY(row);
             QVgeotif_AffineInversa(geotif_, &x, &y);
             left = std::min(left, x);
             right = std::max(right, x);
@@ -107,11 +77,11 @@ DibBlock NorthUpGrid::Fill(const Rect& part, int reduction, const NorthUpSource&
                                                source.background};
     // The pixel under a place of the picture, columns and rows from its upper left.
     const auto pixel_at = [&](double x, double y) {
-        std::int64_t column = 0;
-        std::int64_t row = 0;
-        if (!NearestPixel(x, column) || !NearestPixel(y, row)) return blank.data();
-        column -= there.x;
-        row -= there.y;
+        const auto nearest_column = NearestPixel(x);
+        const auto nearest_row = NearestPixel(y);
+        if (!nearest_column || !nearest_row) return blank.data();
+        const std::int64_t column = *nearest_column - there.x;
+        const std::int64_t row = *nearest_row - there.y;
         if (column < 0 || column >= there.width || row < 0 || row >= there.height)
             return blank.data();
         return source_rows + static_cast<std::size_t>(there.height - 1 - row) * source_row_bytes +
@@ -120,9 +90,9 @@ DibBlock NorthUpGrid::Fill(const Rect& part, int reduction, const NorthUpSource&
     for (int j = 0; j < height; ++j) {
         std::uint8_t* out =
             grid.Rows() + row_bytes_of(width) * static_cast<std::size_t>(height - 1 - j);
-        const double cell_y = CellY(part.y + std::int64_t{j} * reduction);
+        const double cell_y = cells_.CenterY(part.y + std::int64_t{j} * reduction);
         for (int i = 0; i < width; ++i, out += pixel_bytes) {
-            double x = CellX(part.x + std::int64_t{i} * reduction);
+            double x = cells_.CenterX(part.x + std::int64_t{i} * reduction);
             double y = cell_y;
             QVgeotif_AffineInversa(geotif_, &x, &y);
             std::memcpy(out, pixel_at(x, y), pixel_bytes);

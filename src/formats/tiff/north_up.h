@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "core/cell_grid.h"
 #include "core/dib_block.h"
 #include "core/geometry.h"
 #include "formats/tiff/geotiff.h"
@@ -32,13 +33,8 @@ class NorthUpGrid {
     [[nodiscard]] DibBlock Fill(const Rect& part, int reduction, const NorthUpSource& source) const;
 
   private:
-    [[nodiscard]] double CellX(std::int64_t column) const;
-    [[nodiscard]] double CellY(std::int64_t row) const;
-
     QVgeotif geotif_;
-    double cell_size_;
-    double xmin_;
-    double ymax_;
+    CellGrid cells_;
 };
 
 }  // namespace rastrel
