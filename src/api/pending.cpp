@@ -41,26 +41,3 @@ int RASTREL_CALL Rastrel_CreateFromWindowEX(int /*handle*/, RastrelWindow /*wind
 int RASTREL_CALL Rastrel_DialogSave(int /*handle*/, char* /*buffer*/, int* /*type*/) {
     return 0;
 }
-
-// Rectification
-
-int RASTREL_CALL Rastrel_AffineTransform(int /*target*/, int /*source*/, double /*xmin*/,
-                                         double /*ymin*/, double /*xmax*/, double /*ymax*/,
-                                         double /*cell_size*/, int /*mode*/) {
-    return 0;
-}
-
-int RASTREL_CALL Rastrel_AffineTransformEx(int /*target*/, int /*source*/, double /*xmin*/,
-                                           double /*ymin*/, double /*xmax*/, double /*ymax*/,
-                                           double /*cell_size*/, int /*mode*/, int /*x*/, int /*y*/,
-                                           int /*width*/, int /*height*/,
-                                           const RastrelProgress* /*progress*/) {
-    return 0;
-}
-
-int RASTREL_CALL Rastrel_AffineTransformExBackColor(
-    int /*target*/, int /*source*/, double /*xmin*/, double /*ymin*/, double /*xmax*/,
-    double /*ymax*/, double /*cell_size*/, int /*mode*/, int /*x*/, int /*y*/, int /*width*/,
-    int /*height*/, const RastrelProgress* /*progress*/, int /*red*/, int /*green*/, int /*blue*/) {
-    return 0;
-}

@@ -1,4 +1,4 @@
-// One affine solution for the process, from control points.
+// One affine solution for the process, from control points, and pictures rectified by it.
 
 #include <cmath>
 #include <mutex>
@@ -6,6 +6,7 @@
 
 #include "api/calls.h"
 #include "imaging/affine_fit.h"
+#include "imaging/rectify.h"
 #include "rastrel.h"
 
 using namespace rastrel;
@@ -56,6 +57,30 @@ int Apply(AffineMap AffineSolution::*direction, double* x, double* y) {
     });
 }
 
+/// Completes an order by the solution and does the work.
+int Transform(int target, int source, int mode, const RastrelProgress* progress,
+              Rectification order) {
+    if (mode < 0 || mode >= static_cast<int>(Resampling::kArea)) return 0;
+    return MakeImageFrom(target, source, [&](const RasterImage& raster, RasterImage& result) {
+        const auto solution = ControlPoints::OfProcess().Solution();
+        if (!solution) return false;
+        order.to_pixel = solution->to_pixel;
+        order.way = static_cast<Resampling>(mode);
+        if (progress != nullptr && progress->callback != nullptr)
+            order.progress = [progress](double fraction) {
+                return progress->callback(fraction, "Rectifying", progress->user) != 0;
+            };
+        return Rectify(raster, order, result);
+    });
+}
+
+Rectification Over(double xmin, double ymin, double xmax, double ymax, double cell_size) {
+    Rectification order;
+    order.box = {xmin, ymin, xmax, ymax};
+    order.cell_size = cell_size;
+    return order;
+}
+
 }  // namespace
 
 int RASTREL_CALL Rastrel_AffineReset(void) {
@@ -84,4 +109,36 @@ int RASTREL_CALL Rastrel_AffineApplicaDiretta(double* column_to_x, double* row_t
 
 int RASTREL_CALL Rastrel_AffineApplicaInversa(double* x_to_column, double* y_to_row) {
     return Apply(&AffineSolution::to_pixel, x_to_column, y_to_row);
+}
+
+int RASTREL_CALL Rastrel_AffineTransform(int target, int source, double xmin, double ymin,
+                                         double xmax, double ymax, double cell_size, int mode) {
+    return Guarded(0, [=] {
+        return Transform(target, source, mode, nullptr, Over(xmin, ymin, xmax, ymax, cell_size));
+    });
+}
+
+int RASTREL_CALL Rastrel_AffineTransformEx(int target, int source, double xmin, double ymin,
+                                           double xmax, double ymax, double cell_size, int mode,
+                                           int x, int y, int width, int height,
+                                           const RastrelProgress* progress) {
+    return Guarded(0, [=] {
+        Rectification order = Over(xmin, ymin, xmax, ymax, cell_size);
+        order.used = {x, y, width, height};
+        return Transform(target, source, mode, progress, order);
+    });
+}
+
+int RASTREL_CALL Rastrel_AffineTransformExBackColor(int target, int source, double xmin,
+                                                    double ymin, double xmax, double ymax,
+                                                    double cell_size, int mode, int x, int y,
+                                                    int width, int height,
+                                                    const RastrelProgress* progress, int red,
+                                                    int green, int blue) {
+    return Guarded(0, [=] {
+        Rectification order = Over(xmin, ymin, xmax, ymax, cell_size);
+        order.used = {x, y, width, height};
+        order.background = ColorOf(red, green, blue);
+        return Transform(target, source, mode, progress, order);
+    });
 }

@@ -35,9 +35,9 @@ void Interpolate(const Scale& scale, std::int64_t i, Resampling way, Window& win
         window.weights = {1 - fraction, fraction};
         return;
     }
-    const CubicWeights weights = CubicWeightsAt(fraction);
+    const auto weights = CubicConvolution::WeightsAt(fraction);
     window.first = before - 1;
-    window.weights.assign(std::begin(weights.of), std::end(weights.of));
+    window.weights.assign(weights.begin(), weights.end());
 }
 
 /// Puts into the window the pixels that a new one covers, each by its part of the whole.
@@ -67,11 +67,6 @@ std::size_t MostTaps(int old_length, int new_length, Resampling way) {
 }
 
 }  // namespace
-
-CubicWeights CubicWeightsAt(double t) {
-    return {{((-0.5 * t + 1) * t - 0.5) * t, (1.5 * t - 2.5) * t * t + 1,
-             ((-1.5 * t + 2) * t + 0.5) * t, (0.5 * t - 0.5) * t * t}};
-}
 
 ResamplingTaps::ResamplingTaps(int old_length, int new_length, Resampling way)
     : count_(MostTaps(old_length, new_length, way)),

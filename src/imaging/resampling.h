@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -16,11 +17,23 @@ enum class Resampling {
 };
 
 /// The weights of the four pixels around a place, which lies fraction (0..1) behind the second:
+/// weight i is ((cubic * fraction + square) * fraction + linear) * fraction + constant, of i.
 /// R. G. Keys, "Cubic Convolution Interpolation for Digital Image Processing" (1981), a = -1/2.
-struct CubicWeights {
-    double of[4];
+struct CubicConvolution {
+    static constexpr float kCubic[4] = {-0.5F, 1.5F, -1.5F, 0.5F};
+    static constexpr float kSquare[4] = {1, -2.5F, 2, -0.5F};
+    static constexpr float kLinear[4] = {-0.5F, 0, 0.5F, 0};
+    static constexpr float kConstant[4] = {0, 1, 0, 0};
+
+    template <class Float>
+    [[nodiscard]] static std::array<Float, 4> WeightsAt(Float fraction) {
+        std::array<Float, 4> weights = {};
+        for (std::size_t i = 0; i < weights.size(); ++i)
+            weights[i] = ((kCubic[i] * fraction + kSquare[i]) * fraction + kLinear[i]) * fraction +
+                         kConstant[i];
+        return weights;
+    }
 };
-[[nodiscard]] CubicWeights CubicWeightsAt(double fraction);
 
 /// For every new row, or column, the old ones that it is made of: a window of equally many
 /// neighbours, all inside the image, and their weights, whose sum is 1. Pixel centres are aligned:
