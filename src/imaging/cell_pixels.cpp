@@ -179,9 +179,12 @@ class SmoothCells : public CellPixels {
         const auto count = static_cast<std::size_t>(run.end - run.first);
         simd::FindSquares(cells, plane_.Steps(), run.first, count, offsets_.data(), right_.data(),
                           down_.data());
-        simd::Interpolate(
-            {plane_.Origin(), plane_.Steps().row, offsets_.data(), right_.data(), down_.data()},
-            count, out);
+        const simd::PixelSquares squares{plane_.Origin(), plane_.Steps().row, offsets_.data(),
+                                         right_.data(), down_.data()};
+        if (way_ == Resampling::kBicubic)
+            simd::InterpolateCubic(squares, count, out);
+        else
+            simd::Interpolate(squares, count, out);
     }
 
     void FindSingly(const simd::CellRow& cells, CellRun run, std::uint8_t* out) const {
