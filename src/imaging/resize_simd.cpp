@@ -212,8 +212,8 @@ class RowPair {
     HWY_INLINE explicit RowPair(const WeighedRows<std::uint8_t>& from)
         : above_(from.rows[0]),
           below_(from.rows[1]),
-          above_weight_(hn::Set(d, from.weights[0])),
-          below_weight_(hn::Set(d, from.weights[1])) {}
+          above_weight_(hn::Set(Tag(), from.weights[0])),
+          below_weight_(hn::Set(Tag(), from.weights[1])) {}
 
     /// Writes four bytes, of which the last is the next pixel's.
     HWY_INLINE void WeighSquare(std::size_t at, const float* column_weights,
@@ -224,8 +224,8 @@ class RowPair {
         const auto left = hn::LowerHalf(pixel, both);
         // The second pixel begins with lane 3.
         alignas(32) constexpr std::int32_t kSecondPixel[8] = {3, 4, 5, 6, 7, 7, 7, 7};
-        const auto right =
-            hn::LowerHalf(pixel, hn::TableLookupLanes(both, hn::SetTableIndices(d, kSecondPixel)));
+        const auto right = hn::LowerHalf(
+            pixel, hn::TableLookupLanes(both, hn::SetTableIndices(Tag(), kSecondPixel)));
 #else
         const auto left = BetweenRows(at);
         const auto right = BetweenRows(at + 3);
@@ -235,17 +235,17 @@ class RowPair {
     }
 
   private:
-    static constexpr hn::FixedTag<float, HWY_MAX_BYTES >= 32 ? 8 : 4> d{};
+    using Tag = hn::FixedTag<float, HWY_MAX_BYTES >= 32 ? 8 : 4>;
 
-    HWY_INLINE hn::Vec<decltype(d)> BetweenRows(std::size_t at) const {
-        return hn::Add(hn::Mul(LoadAsFloats(d, above_ + at), above_weight_),
-                       hn::Mul(LoadAsFloats(d, below_ + at), below_weight_));
+    HWY_INLINE hn::Vec<Tag> BetweenRows(std::size_t at) const {
+        return hn::Add(hn::Mul(LoadAsFloats(Tag(), above_ + at), above_weight_),
+                       hn::Mul(LoadAsFloats(Tag(), below_ + at), below_weight_));
     }
 
     const std::uint8_t* above_;
     const std::uint8_t* below_;
-    hn::Vec<decltype(d)> above_weight_;
-    hn::Vec<decltype(d)> below_weight_;
+    hn::Vec<Tag> above_weight_;
+    hn::Vec<Tag> below_weight_;
 };
 
 #endif
