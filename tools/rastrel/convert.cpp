@@ -34,14 +34,6 @@ struct ConvertOptions {
     std::optional<Rectangle> crop;
 };
 
-/// The name that an image of a type is really saved under: raw pixel files always take the
-/// extension of their layout.
-std::string SavedName(const std::string& name, int type) {
-    const bool is_raw = type >= RASTREL_TYPE_BIL && type <= RASTREL_TYPE_BSQ;
-    if (!is_raw || TypeFromFileName(name) == type) return name;
-    return fs::path(name).replace_extension(std::string(TypeName(type))).string();
-}
-
 /// Where one input goes: the output itself or, when that is a folder, a file in it with the input's
 /// name and the output format's extension.
 std::string OutputName(const ConvertOptions& options, const std::string& input) {
@@ -72,24 +64,6 @@ class MadeFiles {
     std::unordered_map<std::string, std::vector<std::string>> made_;
 };
 
-bool Read(const Image& image, const std::string& name, const ConvertOptions& options) {
-    if (!options.crop) return Rastrel_Read(image.Handle(), name.c_str(), options.input_type) == 1;
-    const Rectangle& crop = *options.crop;
-    return Rastrel_ReadPartial(image.Handle(), name.c_str(), options.input_type, crop.x, crop.y,
-                               crop.width, crop.height) == 1;
-}
-
-/// Why the reading of an existing image's part failed: of the part, if the whole can be read.
-std::string WhyPartNotRead(const std::string& name, const ConvertOptions& options) {
-    const Image whole;
-    if (options.crop && Rastrel_Read(whole.Handle(), name.c_str(), options.input_type) == 1)
-        return fmt::format(
-            "the rectangle lies outside the image of {} x {} pixels, or its pixels "
-            "are run-length coded",
-            Rastrel_GetWidth(whole.Handle()), Rastrel_GetHeight(whole.Handle()));
-    return WhyNotRead(name, options.input_type);
-}
-
 bool ConvertOne(const ConvertOptions& options, const std::string& input, ProgressLine& progress,
                 const std::string& count, MadeFiles& made) {
     Image image;
@@ -102,7 +76,8 @@ bool ConvertOne(const ConvertOptions& options, const std::string& input, Progres
     if (made.Contain(output))
         return fail(input, fmt::format("{} was just made from another input", output));
     progress.Say(fmt::format("{}reading {}", count, input));
-    if (!Read(image, input, options)) return fail(input, WhyPartNotRead(input, options));
+    if (!ReadPart(image, input, options.input_type, options.crop))
+        return fail(input, WhyPartNotRead(input, options.input_type, options.crop));
     const int source_depth = Rastrel_GetDepth(image.Handle());
     if (options.depth) {
         progress.Say(fmt::format("{}converting {} to {} bits", count, input, *options.depth));
@@ -112,23 +87,14 @@ bool ConvertOne(const ConvertOptions& options, const std::string& input, Progres
                                     "library cannot convert from {} to {} bits",
                                     source_depth, *options.depth));
     }
-    SetQualityFor(image, output, options.output_type, options.quality);
-    if (options.compression) {
-        // The library would fall back to one that it can write.
-        const std::string reason = WhyNotCompressed(image, *options.compression);
-        if (!reason.empty()) return fail(input, reason);
-        Rastrel_SetQuality(image.Handle(), *options.compression);
-    }
     // Before the output is written, which may replace the input's companion.
-    const auto georeference = ReadGeoreference(input);
+    auto georeference = ReadGeoreference(input);
+    if (georeference && options.crop) georeference = OfPart(*georeference, *options.crop);
     progress.Say(fmt::format("{}saving {}", count, output));
-    const std::string unsaved = Save(image, output, options.output_type);
-    if (!unsaved.empty()) return fail(output, unsaved);
+    const std::string unsaved = SaveOnMap(
+        image, {output, options.output_type, options.quality, options.compression}, georeference);
     made.Add(output);
-    if (!georeference) return true;
-    const auto failure = WriteGeoreference(
-        output, options.crop ? OfPart(*georeference, *options.crop) : *georeference);
-    return !failure || fail(output, *failure);
+    return unsaved.empty() || fail(output, unsaved);
 }
 
 bool Convert(const ConvertOptions& options) {

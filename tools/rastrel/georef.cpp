@@ -1,12 +1,11 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <charconv>
-#include <cmath>
 
 #include "commands.h"
 #include "georeference.h"
 #include "reasons.h"
+#include "text.h"
 
 namespace rastrel_cli {
 
@@ -19,17 +18,9 @@ struct GeorefOptions {
 
 /// "X,Y,SIZE": three numbers, the last above 0.
 std::optional<Georeference> ParseGeoreference(const std::string& text) {
-    Georeference georeference;
-    const char* at = text.data();
-    const char* end = at + text.size();
-    for (double* field : {&georeference.x, &georeference.y, &georeference.pixel_size}) {
-        if (field != &georeference.x && (at == end || *at++ != ',')) return std::nullopt;
-        const auto parsed = std::from_chars(at, end, *field);
-        if (parsed.ec != std::errc() || !std::isfinite(*field)) return std::nullopt;
-        at = parsed.ptr;
-    }
-    if (at != end || georeference.pixel_size <= 0) return std::nullopt;
-    return georeference;
+    const auto numbers = ParseNumbers(text);
+    if (numbers.size() != 3 || numbers[2] <= 0) return std::nullopt;
+    return Georeference{numbers[0], numbers[1], numbers[2]};
 }
 
 bool ShowOrSet(const std::string& name, const std::optional<Georeference>& wanted) {

@@ -6,6 +6,13 @@
 
 namespace rastrel_cli {
 
+bool ReadPart(const Image& image, const std::string& name, int type,
+              const std::optional<Rectangle>& part) {
+    if (!part) return Rastrel_Read(image.Handle(), name.c_str(), type) == 1;
+    return Rastrel_ReadPartial(image.Handle(), name.c_str(), type, part->x, part->y, part->width,
+                               part->height) == 1;
+}
+
 std::string Image::Description() const {
     std::array<char, 512> text = {};
     Rastrel_GetDescription(handle_, text.data(), static_cast<int>(text.size()));
@@ -22,6 +29,11 @@ std::vector<PaletteEntry> Image::Palette() const {
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
         entries.push_back({red[i], green[i], blue[i]});
     return entries;
+}
+
+bool Image::HasPlainPixels() const {
+    return Rastrel_ExtractPortion(handle_, 0, 0, Rastrel_GetWidth(handle_),
+                                  Rastrel_GetHeight(handle_)) == 1;
 }
 
 bool Image::ConvertDepth(int bits) {
@@ -45,6 +57,41 @@ bool Image::ConvertDepth(int bits) {
     }
 }
 
+bool Image::MakeBlank(int width, int height, PaletteEntry color,
+                      const std::vector<PaletteEntry>& palette) {
+    if (palette.empty()) {
+        if (!Create(width, height, 24)) return false;
+    } else {
+        const std::vector<std::uint8_t> pixels(static_cast<std::size_t>(width) *
+                                               static_cast<std::size_t>(height));
+        // An image from samples takes colours by its palette, which one from Rastrel_Create does
+        // not.
+        if (Rastrel_CreateFromByte(handle_, pixels.data(), width, height) != 1 ||
+            !SetPalette(palette))
+            return false;
+    }
+    return Rastrel_Fill(handle_, color.red, color.green, color.blue) == 1;
+}
+
+bool Image::SetPalette(const std::vector<PaletteEntry>& palette) {
+    std::vector<std::uint8_t> red;
+    std::vector<std::uint8_t> green;
+    std::vector<std::uint8_t> blue;
+    for (const PaletteEntry& entry : palette) {
+        red.push_back(entry.red);
+        green.push_back(entry.green);
+        blue.push_back(entry.blue);
+    }
+    return Rastrel_SetPalette(handle_, static_cast<int>(red.size()), red.data(), green.data(),
+                              blue.data()) == 1;
+}
+
+bool Image::Create(int width, int height, int bits) {
+    if (Rastrel_Create(handle_, width, height, bits) == 1) return true;
+    handle_ = Rastrel_New();  // a failed creation took the handle with it
+    return false;
+}
+
 bool Image::RebuildAt(int bits) {
     const int width = Rastrel_GetWidth(handle_);
     const int height = Rastrel_GetHeight(handle_);
@@ -63,10 +110,7 @@ bool Image::RebuildAt(int bits) {
 }
 
 bool Image::RebuildWithAlpha(const std::vector<std::uint8_t>& pixels, int width, int height) {
-    if (Rastrel_Create(handle_, width, height, 32) != 1) {
-        handle_ = Rastrel_New();  // a failed creation took the handle with it
-        return false;
-    }
+    if (!Create(width, height, 32)) return false;
     const std::size_t row_bytes = static_cast<std::size_t>(width) * 4;
     std::uint8_t* rows = Rastrel_GetRawImage(handle_);
     for (std::size_t y = 0; y < static_cast<std::size_t>(height); ++y) {

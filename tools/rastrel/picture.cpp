@@ -22,23 +22,13 @@ bool SameFile(const std::string& a, const std::string& b) {
     return fs::equivalent(a, b, error) && !error;
 }
 
-bool Create(const Image& image, const Picture& picture) {
+bool Create(Image& image, const Picture& picture) {
     if (picture.bits == 24)
         return Rastrel_CreateFromByte24(image.Handle(), picture.pixels, picture.columns,
                                         picture.rows) == 1;
     if (Rastrel_CreateFromByte(image.Handle(), picture.pixels, picture.columns, picture.rows) != 1)
         return false;
-    if (picture.palette.empty()) return true;
-    std::vector<std::uint8_t> red;
-    std::vector<std::uint8_t> green;
-    std::vector<std::uint8_t> blue;
-    for (const PaletteEntry& entry : picture.palette) {
-        red.push_back(entry.red);
-        green.push_back(entry.green);
-        blue.push_back(entry.blue);
-    }
-    return Rastrel_SetPalette(image.Handle(), static_cast<int>(red.size()), red.data(),
-                              green.data(), blue.data()) == 1;
+    return picture.palette.empty() || image.SetPalette(picture.palette);
 }
 
 }  // namespace
@@ -54,7 +44,7 @@ bool ReplacesInput(const std::string& input, const std::string& output) {
 }
 
 bool SavePicture(const Picture& picture, const OutputOptions& output, const GridPlace& place) {
-    const Image image;
+    Image image;
     if (!Create(image, picture)) {
         ReportFailure(output.name,
                       fmt::format("an image of {} x {} pixels is more than the library makes",

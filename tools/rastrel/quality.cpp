@@ -9,8 +9,7 @@ namespace rastrel_cli {
 
 void SetQualityFor(const Image& image, const std::string& name, int type,
                    std::optional<int> quality) {
-    const int effective = type >= 0 ? type : TypeFromFileName(name).value_or(-1);
-    if (effective == RASTREL_TYPE_JPEG) {
+    if (EffectiveType(name, type) == RASTREL_TYPE_JPEG) {
         int code = quality.value_or(kUsualJpegQuality);
         // Codes above 100 ask for a grey file of the rest, of which 100 would be none.
         constexpr int kGreyFile = 100;

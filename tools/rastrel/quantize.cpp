@@ -62,11 +62,9 @@ bool Quantize(const QuantizeOptions& options) {
         return fail(options.input, "memory does not suffice to reduce its colours");
     const auto georeference = ReadGeoreference(options.input);
     progress.Say("saving " + options.output);
-    const std::string reason = Save(image, options.output, options.output_type);
-    if (!reason.empty()) return fail(options.output, reason);
-    const auto failure =
-        georeference ? WriteGeoreference(options.output, *georeference) : std::nullopt;
-    return !failure || fail(options.output, *failure);
+    const std::string reason =
+        SaveOnMap(image, {options.output, options.output_type, {}, {}}, georeference);
+    return reason.empty() || fail(options.output, reason);
 }
 
 }  // namespace

@@ -30,10 +30,6 @@ std::string WhyNotOpened(const std::string& name, const char* mode) {
     return file ? "" : std::strerror(errno);
 }
 
-int EffectiveType(const std::string& name, int type) {
-    return type >= 0 ? type : TypeFromFileName(name).value_or(-1);
-}
-
 /// What is wrong with the header beside raw pixels; empty when there is no telling.
 std::string WhyNoRawPixels(const std::string& name) {
     const fs::path header = fs::path(name).replace_extension(".hdr");
@@ -92,6 +88,17 @@ std::string WhyNotRead(const std::string& name, int type) {
     return fmt::format(
         "it is damaged or no {} image, or this version of the library cannot read such images",
         TypeName(effective));
+}
+
+std::string WhyPartNotRead(const std::string& name, int type,
+                           const std::optional<Rectangle>& part) {
+    const Image whole;
+    if (part && Rastrel_Read(whole.Handle(), name.c_str(), type) == 1)
+        return fmt::format(
+            "the rectangle lies outside the image of {} x {} pixels, or its pixels "
+            "are run-length coded",
+            Rastrel_GetWidth(whole.Handle()), Rastrel_GetHeight(whole.Handle()));
+    return WhyNotRead(name, type);
 }
 
 std::string WhyNotSaved(const std::string& name, int type, int bits) {

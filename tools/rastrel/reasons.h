@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
+
+#include "image.h"
 
 namespace rastrel_cli {
 
@@ -14,6 +17,9 @@ namespace rastrel_cli {
 [[nodiscard]] std::string WhyNotWritten(const std::string& name);
 /// Why a file could not be read as an image of a type (-1: by its extension).
 [[nodiscard]] std::string WhyNotRead(const std::string& name, int type);
+/// Why a rectangle of an image, or the whole, could not be read.
+[[nodiscard]] std::string WhyPartNotRead(const std::string& name, int type,
+                                         const std::optional<Rectangle>& part);
 /// Why an image of some depth could not be saved in a file.
 [[nodiscard]] std::string WhyNotSaved(const std::string& name, int type, int bits);
 

@@ -3,7 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 
+#include "compression.h"
+#include "quality.h"
 #include "reasons.h"
 #include "types.h"
 
@@ -27,12 +30,32 @@ std::string PrepareForGif(Image& image, const std::string& name) {
 }  // namespace
 
 std::string Save(Image& image, const std::string& name, int type) {
-    if ((type >= 0 ? type : TypeFromFileName(name).value_or(-1)) == RASTREL_TYPE_GIF) {
+    if (EffectiveType(name, type) == RASTREL_TYPE_GIF) {
         std::string reason = PrepareForGif(image, name);
         if (!reason.empty()) return reason;
     }
     if (Rastrel_Save(image.Handle(), name.c_str(), type) == 1) return "";
     return WhyNotSaved(name, type, Rastrel_GetDepth(image.Handle()));
+}
+
+std::string SavedName(const std::string& name, int type) {
+    const bool is_raw = type >= RASTREL_TYPE_BIL && type <= RASTREL_TYPE_BSQ;
+    if (!is_raw || TypeFromFileName(name) == type) return name;
+    return std::filesystem::path(name).replace_extension(std::string(TypeName(type))).string();
+}
+
+std::string SaveOnMap(Image& image, const SavingOptions& options,
+                      const std::optional<Georeference>& georeference) {
+    SetQualityFor(image, options.name, options.type, options.quality);
+    if (options.compression) {
+        // The library would fall back to one that it can write.
+        std::string reason = WhyNotCompressed(image, *options.compression);
+        if (!reason.empty()) return reason;
+        Rastrel_SetQuality(image.Handle(), *options.compression);
+    }
+    std::string reason = Save(image, options.name, options.type);
+    if (!reason.empty() || !georeference) return reason;
+    return WriteGeoreference(SavedName(options.name, options.type), *georeference).value_or("");
 }
 
 }  // namespace rastrel_cli

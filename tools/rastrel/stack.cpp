@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
@@ -27,15 +26,6 @@ struct StackOptions {
     std::optional<int> depth;
 };
 
-bool SamePalette(const Image& a, const Image& b) {
-    const auto first = a.Palette();
-    const auto second = b.Palette();
-    return std::equal(first.begin(), first.end(), second.begin(), second.end(),
-                      [](const PaletteEntry& x, const PaletteEntry& y) {
-                          return x.red == y.red && x.green == y.green && x.blue == y.blue;
-                      });
-}
-
 /// The tall file while it is being made: one that is not finished is removed.
 class TallFile {
   public:
@@ -52,7 +42,7 @@ class TallFile {
     /// Adds an image, the first of which decides on the form of all. A reason when it fails.
     [[nodiscard]] std::string Add(const Image& image, int total_height) {
         if (writer_ != 0) {
-            if (!SamePalette(image, first_))
+            if (image.Palette() != first_.Palette())
                 return "its palette is not the first image's; see --depth 24";
             const int appended = options_.is_jpeg ? Rastrel_JPEGAppend(writer_, image.Handle())
                                                   : Rastrel_TIFFAppend(writer_, image.Handle());

@@ -78,6 +78,26 @@ std::string_view TakeLine(std::string_view& text) {
     return line;
 }
 
+std::vector<std::string_view> SplitAtCommas(std::string_view text) {
+    std::vector<std::string_view> parts;
+    while (true) {
+        const std::size_t comma = text.find(',');
+        parts.push_back(text.substr(0, comma));
+        if (comma == std::string_view::npos) return parts;
+        text.remove_prefix(comma + 1);
+    }
+}
+
+std::vector<double> ParseNumbers(std::string_view text) {
+    std::vector<double> numbers;
+    for (const std::string_view part : SplitAtCommas(text)) {
+        const auto number = ParseFinite(part);
+        if (!number) return {};
+        numbers.push_back(*number);
+    }
+    return numbers;
+}
+
 std::string Shown(std::string_view text) {
     std::string shown(text.substr(0, kMostShown));
     for (char& c : shown) {

@@ -44,4 +44,8 @@ std::optional<int> TypeFromFileName(const std::string& name) {
     return TypeFromText(name.substr(point + 1));
 }
 
+int EffectiveType(const std::string& name, int type) {
+    return type >= 0 ? type : TypeFromFileName(name).value_or(-1);
+}
+
 }  // namespace rastrel_cli

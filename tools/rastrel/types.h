@@ -13,4 +13,7 @@ namespace rastrel_cli {
 /// The type that a file name's extension stands for.
 [[nodiscard]] std::optional<int> TypeFromFileName(const std::string& name);
 
+/// The type given or, where that is -1, the one of the name; -1 for none.
+[[nodiscard]] int EffectiveType(const std::string& name, int type);
+
 }  // namespace rastrel_cli
