@@ -14,13 +14,19 @@ using Job = std::function<bool()>;
 // command line, the job becomes its work; contradictory options throw CLI::ParseError.
 
 void AddAspectCommand(CLI::App& app, Job& job);
+void AddBalanceCommand(CLI::App& app, Job& job);
+void AddBlendCommand(CLI::App& app, Job& job);
 void AddConvertCommand(CLI::App& app, Job& job);
 void AddGeorefCommand(CLI::App& app, Job& job);
 void AddHillshadeCommand(CLI::App& app, Job& job);
 void AddInfoCommand(CLI::App& app, Job& job);
+void AddMaskCommand(CLI::App& app, Job& job);
+void AddMosaicCommand(CLI::App& app, Job& job);
 void AddPaletteCommand(CLI::App& app, Job& job);
 void AddQuantizeCommand(CLI::App& app, Job& job);
+void AddRectifyCommand(CLI::App& app, Job& job);
 void AddReliefCommand(CLI::App& app, Job& job);
+void AddResizeCommand(CLI::App& app, Job& job);
 void AddSlopeCommand(CLI::App& app, Job& job);
 void AddSmoothCommand(CLI::App& app, Job& job);
 void AddStackCommand(CLI::App& app, Job& job);

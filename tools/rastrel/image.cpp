@@ -73,7 +73,7 @@ bool Image::MakeBlank(int width, int height, PaletteEntry color,
     return Rastrel_Fill(handle_, color.red, color.green, color.blue) == 1;
 }
 
-bool Image::SetPalette(const std::vector<PaletteEntry>& palette) {
+bool Image::SetPalette(const std::vector<PaletteEntry>& palette) const {
     std::vector<std::uint8_t> red;
     std::vector<std::uint8_t> green;
     std::vector<std::uint8_t> blue;

@@ -52,7 +52,7 @@ class Image {
     [[nodiscard]] bool MakeBlank(int width, int height, PaletteEntry color,
                                  const std::vector<PaletteEntry>& palette);
     /// Gives an image of up to 8 bits a palette.
-    [[nodiscard]] bool SetPalette(const std::vector<PaletteEntry>& palette);
+    [[nodiscard]] bool SetPalette(const std::vector<PaletteEntry>& palette) const;
 
   private:
     /// Replaces the image by one made from its own pixels at 8, 24 or 32 bits.

@@ -19,6 +19,12 @@ constexpr const char* kExamples = R"(Examples:
   rastrel convert --quality 85 sheet.png sheet.jpg
   rastrel stack --compress lzw north.tif middle.tif south.tif tall.tif
   rastrel quantize scene.tif scene.gif
+  rastrel resize --percent 25 scan.tif thumbnail.jpg
+  rastrel balance --method tails --k 0.5 scene.tif clear.tif
+  rastrel blend --mode multiply --weight 0.6 map.bmp hillshade.bmp shaded.bmp
+  rastrel mask --color 255,255,255 scene.tif clouds.bmp clear.tif
+  rastrel mosaic --key 255,255,255 west.tif east.tif both.tif
+  rastrel rectify --cell-size 0.5 points.txt scan.png sheet.tif
   rastrel palette sheet.bmp
   rastrel georef --set 600000,5100000,2 sheet.bmp
   rastrel stats dem.asc
@@ -43,7 +49,13 @@ int Run(int argc, char** argv) {
     AddPaletteCommand(app, job);
     AddConvertCommand(app, job);
     AddQuantizeCommand(app, job);
+    AddResizeCommand(app, job);
+    AddBalanceCommand(app, job);
+    AddBlendCommand(app, job);
+    AddMaskCommand(app, job);
     AddStackCommand(app, job);
+    AddMosaicCommand(app, job);
+    AddRectifyCommand(app, job);
     AddGeorefCommand(app, job);
     AddStatsCommand(app, job);
     AddStretchCommand(app, job);

@@ -22,7 +22,7 @@ bool SameFile(const std::string& a, const std::string& b) {
     return fs::equivalent(a, b, error) && !error;
 }
 
-bool Create(Image& image, const Picture& picture) {
+bool Create(const Image& image, const Picture& picture) {
     if (picture.bits == 24)
         return Rastrel_CreateFromByte24(image.Handle(), picture.pixels, picture.columns,
                                         picture.rows) == 1;
@@ -44,7 +44,7 @@ bool ReplacesInput(const std::string& input, const std::string& output) {
 }
 
 bool SavePicture(const Picture& picture, const OutputOptions& output, const GridPlace& place) {
-    Image image;
+    const Image image;
     if (!Create(image, picture)) {
         ReportFailure(output.name,
                       fmt::format("an image of {} x {} pixels is more than the library makes",
