@@ -1,4 +1,5 @@
-// The command-line host's readers of grids, their headers and colour ramps: the first byte chooses.
+// The command-line host's readers of grids, their headers, colour ramps and control
+// points: the first byte chooses.
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +11,7 @@
 #include <variant>
 
 #include "color_ramp.h"
+#include "control_points.h"
 #include "grid.h"
 #include "grid_files.h"
 
@@ -54,6 +56,15 @@ void ReadRamp(std::string_view text) {
     }
 }
 
+void ReadControlPoints(std::string_view text) {
+    std::string why;
+    const auto points = ParseControlPoints(text, why);
+    if (!points) return Require(!why.empty());
+    for (const auto& [column, row, x, y] : *points)
+        Require(std::isfinite(column) && std::isfinite(row) && std::isfinite(x) &&
+                std::isfinite(y));
+}
+
 /// A header and, after a zero byte, the samples.
 void ReadRawGrid(std::string_view input, bool float_file) {
     const std::size_t header_size = std::min(input.find('\0'), input.size());
@@ -85,6 +96,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         case 'f':
             ReadRawGrid(rest, true);
+            break;
+        case 'p':
+            ReadControlPoints(rest);
             break;
         default:
             ReadRamp(rest);
