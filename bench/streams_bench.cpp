@@ -14,7 +14,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "support.h"
+#include "codec_sample.h"
 
 namespace rastrel_bench {
 namespace {
@@ -192,28 +192,24 @@ std::size_t WriteByLibpng(std::vector<std::uint8_t>& buffer) {
     return static_cast<std::size_t>(place.at - buffer.data());
 }
 
-template <class Function>
-void Add(const char* name, const Function& function) {
-    benchmark::RegisterBenchmark(name, function)->UseRealTime();
-}
-
 [[maybe_unused]] const bool registered = [] {
     using benchmark::State;
-    Add("stream_read_jpeg/rastrel", [](State& state) { Jpeg().Read(state); });
-    Add("stream_read_jpeg/libjpeg into one buffer",
-        [](State& state) { Jpeg().ReadBeside(state, false, ReadByLibjpeg); });
-    Add("stream_read_jpeg/libjpeg into fresh memory",
-        [](State& state) { Jpeg().ReadBeside(state, true, ReadByLibjpeg); });
-    Add("stream_write_jpeg/rastrel", [](State& state) { Jpeg().Write(state); });
-    Add("stream_write_jpeg/libjpeg",
-        [](State& state) { Jpeg().WriteBeside(state, WriteByLibjpeg); });
-    Add("stream_read_png/rastrel", [](State& state) { Png().Read(state); });
-    Add("stream_read_png/libpng into one buffer",
-        [](State& state) { Png().ReadBeside(state, false, ReadByLibpng); });
-    Add("stream_read_png/libpng into fresh memory",
-        [](State& state) { Png().ReadBeside(state, true, ReadByLibpng); });
-    Add("stream_write_png/rastrel", [](State& state) { Png().Write(state); });
-    Add("stream_write_png/libpng", [](State& state) { Png().WriteBeside(state, WriteByLibpng); });
+    AddBenchmark("stream_read_jpeg/rastrel", [](State& state) { Jpeg().Read(state); });
+    AddBenchmark("stream_read_jpeg/libjpeg into one buffer",
+                 [](State& state) { Jpeg().ReadBeside(state, false, ReadByLibjpeg); });
+    AddBenchmark("stream_read_jpeg/libjpeg into fresh memory",
+                 [](State& state) { Jpeg().ReadBeside(state, true, ReadByLibjpeg); });
+    AddBenchmark("stream_write_jpeg/rastrel", [](State& state) { Jpeg().Write(state); });
+    AddBenchmark("stream_write_jpeg/libjpeg",
+                 [](State& state) { Jpeg().WriteBeside(state, WriteByLibjpeg); });
+    AddBenchmark("stream_read_png/rastrel", [](State& state) { Png().Read(state); });
+    AddBenchmark("stream_read_png/libpng into one buffer",
+                 [](State& state) { Png().ReadBeside(state, false, ReadByLibpng); });
+    AddBenchmark("stream_read_png/libpng into fresh memory",
+                 [](State& state) { Png().ReadBeside(state, true, ReadByLibpng); });
+    AddBenchmark("stream_write_png/rastrel", [](State& state) { Png().Write(state); });
+    AddBenchmark("stream_write_png/libpng",
+                 [](State& state) { Png().WriteBeside(state, WriteByLibpng); });
     return true;
 }();
 

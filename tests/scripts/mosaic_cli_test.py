@@ -6,6 +6,7 @@ Usage: mosaic_cli_test.py [EMULATOR] PROGRAM
 """
 import math
 import shutil
+import struct
 import subprocess
 import unittest
 
@@ -37,15 +38,32 @@ class Mosaic(ImagingTest):
 
     def test_palettes_and_depths_of_all_kinds(self):
         sheets, want = [], []
-        for i, bits in enumerate((1, 4, 8, 24)):
+        for i, bits in enumerate((1, 4, 8, 24, 32)):
             palette = noise(1 << bits, 1, i)[0] if bits < 24 else None
             rows = ([[(x + y * 7) % (1 << bits) for x in range(9)] for y in range(3)] if palette
-                    else noise(9, 3, 9))
-            sheets.append(self.image(f"{bits}.bmp", rows, (100, 50 - 3 * i, 1), palette, bits))
+                    else noise(9, 3, bits))
+            sheets.append(self.image(f"{bits}.bmp", rows, (100, 50 - 3 * i, 1), palette,
+                                     min(bits, 24)))
             want += shown(rows, palette) if palette else rows
+        self.run_it("convert", "--depth", "32", "32.bmp", "32.bmp")
+        self.assert_depth("32.bmp", 32)
         self.run_it("mosaic", *sheets, "out.bmp")
         self.assert_depth("out.bmp", 24)
         self.assert_pixels("out.bmp", want)
+
+    def test_bitmaps_of_16_bits(self):
+        # Five bits a channel, which become the upper ones of eight.
+        levels = [[(x + y, 31 - x, 3 * y) for x in range(8)] for y in range(4)]
+        words = b"".join(struct.pack("<H", r << 10 | g << 5 | b)
+                         for row in reversed(levels) for r, g, b in row)
+        self.file("a.bmp", struct.pack("<2sIII", b"BM", 54 + len(words), 0, 54) +
+                  struct.pack("<IiiHHIIiiII", 40, 8, 4, 1, 16, 0, 0, 0, 0, 0, 0) + words)
+        self.file("a.bpw", "1\n0\n0\n-1\n0\n4\n")
+        self.run_it("mosaic", "a.bmp", "out.bmp")
+        self.run_it("convert", "--depth", "24", "a.bmp", "b.bmp")
+        self.assert_pixels("out.bmp", self.pixels("b.bmp"))
+        self.assertEqual([[tuple(level >> 3 for level in pixel) for pixel in row]
+                          for row in self.pixels("out.bmp")], levels)
 
     def test_a_common_palette_is_kept(self):
         palette = [RED, (0, 90, 0), WHITE]
