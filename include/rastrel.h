@@ -672,16 +672,24 @@ RASTREL_API int RASTREL_CALL Rastrel_SetImageHandle(int first, int second);
 /* From here on: exported, not all built yet (see "This version" above). */
 
 /*
- * Draws at (x, y) of a device, width x height pixels (-1: the image's), from (source_x, source_y),
- * whose y counts from the bottom stored row. A null device: 1, nothing drawn.
+ * Draws at (x, y) of a device, width x height pixels (-1: the image's), those of the source
+ * rectangle whose lower left pixel is (source_x, source_y), y counting from the bottom stored row.
+ * 1 whenever there is a raster: a null device, or one that refuses, is drawn nothing on.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Draw(int handle, RastrelDC device, int x, int y, int width,
                                           int height, int source_x, int source_y);
 
 /*
- * Draws a source rectangle, its y from the bottom stored row, scaled to a rectangle of the device.
- * Sizes of -1: the image's; of the source, the rest of the image. Pixels of the transparent palette
- * entry leave the device as it is.
+ * Draws a source rectangle, its y from the bottom stored row, scaled to a rectangle of the device
+ * by choosing pixels. Sizes of -1: the image's; of the source, the rest of the image; other
+ * negative sizes mirror. Where more than 1024 columns or rows of the source are asked for, the work
+ * is cut into halves both ways until they are no more. Pixels of the transparent palette entry
+ * leave the device as it is, and the image itself is only read. 0 without a device, or when it
+ * refuses an opaque image.
+ *
+ * Both leave the device context as it was, but for its stretching mode, which becomes
+ * COLORONCOLOR. On a surface, scaling takes the pixel under each pixel's centre; the unused byte
+ * becomes 0, or the alpha of 32-bit images.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Stretch(int handle, RastrelDC device, int x, int y, int width,
                                              int height, int source_x, int source_y,

@@ -5,17 +5,6 @@
 
 // Display and desktop
 
-int RASTREL_CALL Rastrel_Draw(int /*handle*/, RastrelDC /*device*/, int /*x*/, int /*y*/,
-                              int /*width*/, int /*height*/, int /*source_x*/, int /*source_y*/) {
-    return 0;
-}
-
-int RASTREL_CALL Rastrel_Stretch(int /*handle*/, RastrelDC /*device*/, int /*x*/, int /*y*/,
-                                 int /*width*/, int /*height*/, int /*source_x*/, int /*source_y*/,
-                                 int /*source_width*/, int /*source_height*/) {
-    return 0;
-}
-
 RastrelBitmap RASTREL_CALL Rastrel_Copy2HBitmap(int /*handle*/) {
     return nullptr;
 }

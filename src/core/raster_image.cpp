@@ -21,15 +21,6 @@ bool RasterImage::Create(int width, int height, int bits, int color_type) {
     return HasBlock();
 }
 
-bool RasterImage::Draw(DrawDevice* /*device*/, Rect /*destination*/, int /*source_x*/,
-                       int /*source_y*/) {
-    return false;
-}
-
-bool RasterImage::Stretch(DrawDevice* /*device*/, Rect /*destination*/, Rect /*source*/) {
-    return false;
-}
-
 int RasterImage::GetIndex(int x, int y) const {
     if (!IsInside(x, y) || bits_ > 8) return -1;
     const auto row = Row(y);

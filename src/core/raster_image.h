@@ -51,8 +51,15 @@ class RasterImage {
     /// stands for the depth's default. Without memory the raster ends without a block.
     virtual bool Create(int width, int height, int bits, int color_type);
     [[nodiscard]] virtual int AuxiliaryValue() const { return auxiliary_value_; }
-    /// Painting needs a device; a raster by itself has none.
+    // Drawing is supplied by what knows devices. A source's y counts from the bottom stored row,
+    // and a width or height of -1 stands for the raster's, of a source for its rest.
+
+    /// Draws pixels one to one. False only without a block: no device, nothing drawn, is no
+    /// failure, nor is a device that refuses.
     virtual bool Draw(DrawDevice* device, Rect destination, int source_x, int source_y);
+    /// Draws a rectangle of the raster scaled, in parts when more than 1024 pixels a side are asked
+    /// for; pixels of the transparent index leave the device as it is. False without a block or a
+    /// device, or when the device refuses an opaque picture.
     virtual bool Stretch(DrawDevice* device, Rect destination, Rect source);
     /// A pixel's palette index; -1 outside and above 8 bits, 0 for depths that have no such pixels.
     [[nodiscard]] virtual int GetIndex(int x, int y) const;

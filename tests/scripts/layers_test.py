@@ -25,7 +25,8 @@ SHARED_FORMAT_FOLDERS = {"dib"}
 def allowed(folder, file_parts, include):
     target = include.split("/")
     if target[0] not in INWARD:
-        return folder == "api" and include == "rastrel.h"
+        # Display takes and makes handles whose types are the interface's.
+        return folder in ("api", "display") and include == "rastrel.h"
     if target[0] != folder:
         return target[0] in INWARD[folder]
     in_format = folder == "formats" and len(file_parts) == 3

@@ -1,0 +1,157 @@
+#include "display/surface/surface_device.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <span>
+#include <vector>
+
+#include "core/pixel_rows.h"
+#include "display/desktop.h"
+#include "display/surface/sampling.h"
+#include "display/surface/surface_rows.h"
+
+namespace rastrel {
+
+namespace {
+
+constexpr int kSurfacePixelBytes = 4;
+
+bool IsSound(const RastrelSurface& surface) {
+    return surface.pixels != nullptr && surface.width > 0 && surface.height > 0 &&
+           surface.stride / kSurfacePixelBytes >= surface.width;
+}
+
+/// Makes surface pixels of the same columns of any stored row.
+class RowSampler {
+  public:
+    RowSampler(const DevicePicture& picture, const Samples& columns)
+        : picture_(picture), is_in_step_(columns.is_in_step), count_(columns.sources.size()) {
+        const auto [least, most] = std::ranges::minmax(columns.sources);
+        first_ = least;
+        const auto span = static_cast<std::size_t>(most - least) + 1;
+        const int bits = picture.raster.Bits();
+        if (bits < 8) unpacked_.resize(span);
+        // One byte more: 24-bit pixels are read with the byte behind them.
+        if (bits == 16) unpacked_.resize(span * 3 + 1);
+        if (is_in_step_) return;
+        const auto bytes = static_cast<std::uint32_t>(bits <= 8 ? 1 : bits == 32 ? 4 : 3);
+        offsets_.reserve(count_);
+        for (const int source : columns.sources)
+            offsets_.push_back(static_cast<std::uint32_t>(source - least) * bytes);
+    }
+
+    void Make(int stored_row, std::span<std::uint8_t> out) {
+        const std::uint8_t* row = FirstPixel(picture_.raster.Row(stored_row));
+        switch (picture_.raster.Bits()) {
+            case 16:
+            case 24:
+                is_in_step_ ? BgrxFrom24(row, out) : ChooseFrom24(row, offsets_, out);
+                break;
+            case 32:
+                if (is_in_step_)
+                    std::memcpy(out.data(), row, out.size());
+                else
+                    ChooseFrom32(row, offsets_, out);
+                break;
+            default:
+                is_in_step_ ? BgrxFromIndices(row, picture_.colors, out)
+                            : ChooseFromIndices(row, offsets_, picture_.colors, out);
+                break;
+        }
+    }
+
+  private:
+    /// The leftmost of the pixels, in whole bytes: indices, 24 or 32 bits.
+    const std::uint8_t* FirstPixel(std::span<const std::uint8_t> row) {
+        const auto first = static_cast<std::size_t>(first_);
+        const int bits = picture_.raster.Bits();
+        if (bits < 8) {
+            UnpackIndices(row, bits, first_, unpacked_);
+            return unpacked_.data();
+        }
+        if (bits == 16) {
+            const std::size_t span = unpacked_.size() / 3;
+            Bgr24From16(row.subspan(first * 2, span * 2), unpacked_);
+            return unpacked_.data();
+        }
+        return row.subspan(first * static_cast<std::size_t>(bits / 8)).data();
+    }
+
+    DevicePicture picture_;
+    bool is_in_step_;
+    std::size_t count_;
+    int first_ = 0;
+    std::vector<std::uint32_t> offsets_;
+    std::vector<std::uint8_t> unpacked_;
+};
+
+std::span<std::uint8_t> SurfaceRun(const RastrelSurface& surface, int x, int y, std::size_t count) {
+    std::uint8_t* row = surface.pixels + std::ptrdiff_t{y} * surface.stride;
+    return {row + std::ptrdiff_t{x} * kSurfacePixelBytes, count * kSurfacePixelBytes};
+}
+
+void CopyRows(const RastrelSurface& surface, const Samples& columns, const Samples& rows,
+              RowSampler& sampler) {
+    std::span<const std::uint8_t> made;
+    for (std::size_t i = 0; i < rows.sources.size(); ++i) {
+        const auto out = SurfaceRun(surface, columns.first, rows.first + static_cast<int>(i),
+                                    columns.sources.size());
+        if (i > 0 && rows.sources[i] == rows.sources[i - 1])
+            std::memcpy(out.data(), made.data(), out.size());
+        else
+            sampler.Make(rows.sources[i], out);
+        made = out;
+    }
+}
+
+template <class Combine>
+void CombineRows(const RastrelSurface& surface, const Samples& columns, const Samples& rows,
+                 RowSampler& sampler, Combine combine) {
+    std::vector<std::uint8_t> made(columns.sources.size() * kSurfacePixelBytes);
+    for (std::size_t i = 0; i < rows.sources.size(); ++i) {
+        if (i == 0 || rows.sources[i] != rows.sources[i - 1]) sampler.Make(rows.sources[i], made);
+        combine(made, SurfaceRun(surface, columns.first, rows.first + static_cast<int>(i),
+                                 columns.sources.size()));
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<DrawDevice> OpenDevice(RastrelDC handle) {
+    return handle != nullptr ? std::make_unique<SurfaceDevice>(*handle) : nullptr;
+}
+
+bool SurfaceDevice::SetPixels(const DevicePicture& picture, Rect destination, int source_x,
+                              int source_y) {
+    return StretchPixels(picture, destination,
+                         {source_x, source_y, destination.width, destination.height},
+                         RasterOperation::kCopy);
+}
+
+bool SurfaceDevice::StretchPixels(const DevicePicture& picture, Rect destination, Rect source,
+                                  RasterOperation operation) {
+    const RasterImage& raster = picture.raster;
+    if (!IsSound(surface_) || !raster.HasPlainRows()) return false;
+    const Samples columns = ChooseSamples({destination.x, destination.width}, surface_.width,
+                                          {source.x, source.width}, raster.Width(), false);
+    // A source's y goes up where the surface's goes down.
+    const Samples rows = ChooseSamples({destination.y, destination.height}, surface_.height,
+                                       {source.y, source.height}, raster.Height(), true);
+    if (columns.IsEmpty() || rows.IsEmpty()) return true;
+    RowSampler sampler(picture, columns);
+    switch (operation) {
+        case RasterOperation::kCopy:
+            CopyRows(surface_, columns, rows, sampler);
+            break;
+        case RasterOperation::kAnd:
+            CombineRows(surface_, columns, rows, sampler, AndBytes);
+            break;
+        case RasterOperation::kOr:
+            CombineRows(surface_, columns, rows, sampler, OrBytes);
+            break;
+    }
+    return true;
+}
+
+}  // namespace rastrel
