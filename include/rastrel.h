@@ -696,18 +696,26 @@ RASTREL_API int RASTREL_CALL Rastrel_Stretch(int handle, RastrelDC device, int x
                                              int source_width, int source_height);
 
 /*
- * A new device bitmap with the image's pixels, or null. The caller owns it: DeleteObject on
- * Windows; elsewhere a surface in one block, freed with free().
+ * A new device bitmap with the image's pixels. The caller owns it: DeleteObject on Windows, where
+ * it is of the screen's depth; elsewhere a surface in one block, freed with free(). When the system
+ * makes none, its own message is shown in a box titled "Error", and the result is null.
  */
 RASTREL_API RastrelBitmap RASTREL_CALL Rastrel_Copy2HBitmap(int handle);
 
-/* Puts the image on the clipboard in the window's name. 0 on systems without one. */
+/*
+ * Puts the image on the clipboard, as a bitmap, in the window's name; the clipboard owns the
+ * bitmap. 0 when that fails and on systems without one.
+ */
 RASTREL_API int RASTREL_CALL Rastrel_CopyToClipboard(int handle, RastrelWindow window);
 
 /*
- * New images (as the creating family above) from a device bitmap, from what the screen shows of a
- * window, and from a rectangle of it, relative to the window or, client not 0, to its client area;
- * width or height -1: to the edge. The last two: 0 on systems without windows.
+ * New images (as the creating family above).
+ * From a device bitmap, which must not be selected into a device context: 1, 4 and 8 bits with
+ * their palette; deeper ones 24 bits, or 32 with alpha 255 throughout, as devices do not use that
+ * byte.
+ * From what the screen shows of a window, covering windows included, and from a rectangle of it,
+ * relative to the window or, client not 0, to its client area; width or height -1: to the edge.
+ * What is off the screen is left out. Nothing left, or a system without windows: 0.
  */
 RASTREL_API int RASTREL_CALL Rastrel_CreateFromBitmap(int handle, RastrelBitmap bitmap);
 RASTREL_API int RASTREL_CALL Rastrel_CreateFromWindow(int handle, RastrelWindow window);
@@ -715,8 +723,14 @@ RASTREL_API int RASTREL_CALL Rastrel_CreateFromWindowEX(int handle, RastrelWindo
                                                         int y, int width, int height, int client);
 
 /*
- * Asks the user for a name and format, then saves. The chosen name goes into buffer, of 260
- * characters, the type into type. 2 when the user cancels, else the result of Rastrel_Save.
+ * Asks the user, in a dialog over the thread's active window, for a file's name, its format and, if
+ * wanted, a coordinate system; then saves. A name without the extension of a format gets that of
+ * the chosen one, and the user is asked before a file is replaced. A chosen coordinate system (UTM
+ * zone 32 or 33 north on WGS 84, or one of the two Gauss-Boaga zones on Monte Mario) is written
+ * beside the saved image, as well-known text in a .prj file.
+ * The chosen name goes into buffer, of 260 characters, the image type into type. 2 when the user
+ * cancels, with both untouched; else the result of Rastrel_Save. 0, without a dialog, for an image
+ * without a raster and on systems that have none.
  */
 RASTREL_API int RASTREL_CALL Rastrel_DialogSave(int handle, char* buffer, int* type);
 

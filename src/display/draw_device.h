@@ -19,6 +19,9 @@ enum class RasterOperation : std::uint32_t {
 /// the highest is the device's unused byte.
 using DeviceColors = std::array<std::uint32_t, 256>;
 
+/// The colours in the table of a raster of up to 8 bits; black beyond its end.
+[[nodiscard]] DeviceColors TableColors(const RasterImage& raster);
+
 /// What a device draws: the pixels of a raster, in colours of their own where they are indices.
 struct DevicePicture {
     const RasterImage& raster;

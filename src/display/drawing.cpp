@@ -10,19 +10,6 @@
 
 namespace rastrel {
 
-namespace {
-
-/// As a width or height: the raster's.
-constexpr int kWhole = -1;
-
-/// A single call of a device is given no more source pixels a side.
-constexpr int kMostSourceSide = 1024;
-
-constexpr std::uint32_t kBlack = 0;
-constexpr std::uint32_t kWhite = 0x00ffffff;
-constexpr std::uint32_t kUnusedByte = 0xff000000;
-
-/// The colours in the raster's own table; black beyond its end.
 DeviceColors TableColors(const RasterImage& raster) {
     DeviceColors colors = {};
     if (raster.Bits() > 8) return colors;
@@ -34,6 +21,18 @@ DeviceColors TableColors(const RasterImage& raster) {
     }
     return colors;
 }
+
+namespace {
+
+/// As a width or height: the raster's.
+constexpr int kWhole = -1;
+
+/// A single call of a device is given no more source pixels a side.
+constexpr int kMostSourceSide = 1024;
+
+constexpr std::uint32_t kBlack = 0;
+constexpr std::uint32_t kWhite = 0x00ffffff;
+constexpr std::uint32_t kUnusedByte = 0xff000000;
 
 /// Holds the raster's palette, if it has one, selected.
 class PaletteSelection {

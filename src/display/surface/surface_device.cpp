@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/pixel_rows.h"
-#include "display/desktop.h"
+#include "display/surface/run_lengths.h"
 #include "display/surface/sampling.h"
 #include "display/surface/surface_rows.h"
 
@@ -16,11 +16,6 @@ namespace rastrel {
 namespace {
 
 constexpr int kSurfacePixelBytes = 4;
-
-bool IsSound(const RastrelSurface& surface) {
-    return surface.pixels != nullptr && surface.width > 0 && surface.height > 0 &&
-           surface.stride / kSurfacePixelBytes >= surface.width;
-}
 
 /// Makes surface pixels of the same columns of any stored row.
 class RowSampler {
@@ -118,8 +113,18 @@ void CombineRows(const RastrelSurface& surface, const Samples& columns, const Sa
 
 }  // namespace
 
-std::unique_ptr<DrawDevice> OpenDevice(RastrelDC handle) {
-    return handle != nullptr ? std::make_unique<SurfaceDevice>(*handle) : nullptr;
+bool SurfaceDevice::IsSound(const RastrelSurface& surface) {
+    return surface.pixels != nullptr && surface.width > 0 && surface.height > 0 &&
+           surface.stride / kSurfacePixelBytes >= surface.width;
+}
+
+const RasterImage* SurfaceDevice::WithPlainRows(const RasterImage& raster) {
+    if (raster.HasPlainRows()) return &raster;
+    if (coded_ != &raster) {
+        if (!DecodeRunLengths(raster, decoded_)) return nullptr;
+        coded_ = &raster;
+    }
+    return &decoded_;
 }
 
 bool SurfaceDevice::SetPixels(const DevicePicture& picture, Rect destination, int source_x,
@@ -131,15 +136,17 @@ bool SurfaceDevice::SetPixels(const DevicePicture& picture, Rect destination, in
 
 bool SurfaceDevice::StretchPixels(const DevicePicture& picture, Rect destination, Rect source,
                                   RasterOperation operation) {
-    const RasterImage& raster = picture.raster;
-    if (!IsSound(surface_) || !raster.HasPlainRows()) return false;
+    if (!IsSound(surface_)) return false;
+    const RasterImage* plain = WithPlainRows(picture.raster);
+    if (plain == nullptr) return false;
+    const RasterImage& raster = *plain;
     const Samples columns = ChooseSamples({destination.x, destination.width}, surface_.width,
                                           {source.x, source.width}, raster.Width(), false);
     // A source's y goes up where the surface's goes down.
     const Samples rows = ChooseSamples({destination.y, destination.height}, surface_.height,
                                        {source.y, source.height}, raster.Height(), true);
     if (columns.IsEmpty() || rows.IsEmpty()) return true;
-    RowSampler sampler(picture, columns);
+    RowSampler sampler({raster, picture.colors}, columns);
     switch (operation) {
         case RasterOperation::kCopy:
             CopyRows(surface_, columns, rows, sampler);

@@ -12,6 +12,9 @@ class SurfaceDevice final : public DrawDevice {
     /// A surface whose sizes or stride make no sense is drawn nothing into.
     explicit SurfaceDevice(const RastrelSurface& surface) : surface_(surface) {}
 
+    /// Whether a surface has pixels, and rows that do not overlap.
+    [[nodiscard]] static bool IsSound(const RastrelSurface& surface);
+
     /// Every colour can be shown: palettes do not matter.
     void SelectPalette(const Palette& /*palette*/) override {}
     void DeselectPalette() override {}
@@ -22,7 +25,13 @@ class SurfaceDevice final : public DrawDevice {
                        RasterOperation operation) override;
 
   private:
+    /// The raster, or its pixels without their run-length coding; null when memory does not
+    /// suffice.
+    const RasterImage* WithPlainRows(const RasterImage& raster);
+
     RastrelSurface surface_;
+    const RasterImage* coded_ = nullptr;  ///< what decoded_ was made from
+    RasterImage decoded_;
 };
 
 }  // namespace rastrel
