@@ -1,4 +1,4 @@
-# Installing: the module, its header, the command-line host, and what lets a host find them by
+# Installing: the module, its header, the two hosts, and what lets a host find them by
 # find_package(Rastrel) or by pkg-config.
 
 include(CMakePackageConfigHelpers)
@@ -28,4 +28,7 @@ endif()
 if(RASTREL_TOOLS)
   set_target_properties(rastrel_cli PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
   install(TARGETS rastrel_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  if(WIN32)
+    install(TARGETS rastrel_view RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endif()
 endif()
