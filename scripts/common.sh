@@ -20,7 +20,7 @@ packages_checks=(imagemagick netpbm giflib-tools libtiff-tools libjpeg-turbo-pro
     gdal-bin binutils dpkg-dev)
 packages_windows=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix binutils llvm lld dpkg-dev
     googletest libcli11-dev libfmt-dev libstb-dev make nasm)
-packages_wine=(wine64 wine fonts-wine libc6-i386 xvfb xauth util-linux)
+packages_wine=(wine64 wine fonts-wine libc6-i386 xvfb xauth util-linux xdotool imagemagick)
 packages_fuzz=(clang libclang-rt-14-dev)
 packages_lint=(clang clang-tidy clang-format)
 packages_bench=(libbenchmark-dev libgif-dev libleptonica-dev libopencv-dev)

@@ -11,9 +11,9 @@ namespace {
 
 constexpr int kUsualDots = 96;
 /// Widths of the parts behind the first, at the usual dots an inch.
-constexpr int kWorkWidth = 220;
-constexpr int kZoomWidth = 70;
-constexpr int kSizeWidth = 160;
+constexpr int kWorkWidth = 150;
+constexpr int kZoomWidth = 64;
+constexpr int kSizeWidth = 150;
 
 int DotsPerInchOf(HWND window) {
     const HDC device = GetDC(window);
