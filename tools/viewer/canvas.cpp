@@ -133,7 +133,7 @@ void Canvas::DrawAll() {
 
 void Canvas::Draw(const Box& part) {
     if (part.width <= 0 || part.height <= 0) return;
-    const HDC device = back_->Device();
+    HDC device = back_->Device();
     const RECT rect = RectOf(part);
     if (document_ == nullptr) {
         PaintBackground(device, rect);
@@ -213,7 +213,7 @@ LRESULT Canvas::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
 void Canvas::OnPaint() {
     if (!back_is_current_ && client_.width > 0 && client_.height > 0) DrawAll();
     PAINTSTRUCT paint = {};
-    const HDC device = BeginPaint(window_, &paint);
+    HDC device = BeginPaint(window_, &paint);
     const RECT& rect = paint.rcPaint;
     if (back_is_current_)
         BitBlt(device, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,

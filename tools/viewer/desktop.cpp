@@ -45,9 +45,9 @@ std::optional<std::string> DroppedFile(HDROP drop) {
 Pasted FromClipboard(HWND owner) {
     Pasted pasted;
     if (!OpenClipboard(owner)) return pasted;
-    if (const HANDLE files = GetClipboardData(CF_HDROP); files != nullptr) {
+    if (HANDLE files = GetClipboardData(CF_HDROP); files != nullptr) {
         pasted.file = DroppedFile(static_cast<HDROP>(files)).value_or("");
-    } else if (const HANDLE bitmap = GetClipboardData(CF_BITMAP); bitmap != nullptr) {
+    } else if (HANDLE bitmap = GetClipboardData(CF_BITMAP); bitmap != nullptr) {
         auto image = std::make_unique<OwnedImage>();
         if (Rastrel_CreateFromBitmap(image->Handle(), static_cast<HBITMAP>(bitmap)) == 1)
             pasted.image = std::move(image);

@@ -7,6 +7,16 @@
 
 namespace rastrel_view {
 
+namespace {
+
+BOOL CALLBACK FindVisible(HWND window, LPARAM lparam) {
+    if (!IsWindowVisible(window)) return TRUE;
+    *reinterpret_cast<HWND*>(lparam) = window;
+    return FALSE;
+}
+
+}  // namespace
+
 Job::Job(HWND window, int number, std::string title, std::function<void(Control&)> work,
          std::function<void()> finish)
     : window_(window),
@@ -16,6 +26,7 @@ Job::Job(HWND window, int number, std::string title, std::function<void(Control&
       work_(std::move(work)),
       finish_(std::move(finish)) {
     thread_ = std::thread([this] {
+        thread_id_ = GetCurrentThreadId();
         try {
             work_(control_);
         } catch (const std::exception&) {
@@ -32,6 +43,13 @@ Job::~Job() {
 void Job::Finish() {
     if (thread_.joinable()) thread_.join();
     if (!control_.cancelled_) finish_();
+}
+
+HWND Job::Dialog() const {
+    HWND found = nullptr;
+    if (thread_id_ != 0)
+        EnumThreadWindows(thread_id_, &FindVisible, reinterpret_cast<LPARAM>(&found));
+    return found;
 }
 
 std::string Job::Text() const {

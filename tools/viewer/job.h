@@ -42,18 +42,20 @@ class Job {
     [[nodiscard]] int Number() const { return number_; }
     /// Asks the work to end; what it makes is not wanted any more.
     void Cancel() { control_.cancelled_ = true; }
-    [[nodiscard]] bool IsCancelled() const { return control_.cancelled_; }
+    /// The window of the work's own thread that shows on the screen, such as a dialog; null: none.
+    [[nodiscard]] HWND Dialog() const;
     /// Waits for the work, then tells the window's side unless it was cancelled.
     void Finish();
     /// What is being done, how far it is where that is known, and for how long.
     [[nodiscard]] std::string Text() const;
 
   private:
-    const HWND window_;
+    HWND window_;
     const int number_;
     const std::string title_;
     const ULONGLONG start_;
     Control control_;
+    std::atomic<DWORD> thread_id_ = 0;
     std::function<void(Control&)> work_;
     std::function<void()> finish_;
     std::thread thread_;

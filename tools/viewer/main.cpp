@@ -15,7 +15,7 @@
 namespace {
 
 int RunMessages(HWND window) {
-    const HACCEL keys = LoadAcceleratorsA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_VIEWER));
+    HACCEL keys = LoadAcceleratorsA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_VIEWER));
     MSG message = {};
     while (GetMessageA(&message, nullptr, 0, 0) > 0) {
         if (TranslateAcceleratorA(window, keys, &message)) continue;

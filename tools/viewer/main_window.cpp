@@ -20,6 +20,8 @@ constexpr char kClassName[] = "RastrelViewer";
 constexpr char kProgramName[] = "Rastrel Viewer";
 constexpr UINT kDotsPerInchChanged = 0x02E0;  // WM_DPICHANGED, younger than our oldest Windows
 
+constexpr UINT kActivated = WM_APP + 2;
+
 constexpr UINT_PTR kWorkTimer = 1;
 constexpr UINT kWorkTimerMilliseconds = 200;
 constexpr UINT_PTR kCaptureTimer = 2;
@@ -121,6 +123,12 @@ LRESULT MainWindow::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case kDotsPerInchChanged:
             OnDotsPerInch(HIWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
+            return 0;
+        case WM_ACTIVATE:
+            if (LOWORD(wparam) != WA_INACTIVE) PostMessageA(window_, kActivated, 0, 0);
+            return DefWindowProcA(window_, message, wparam, lparam);
+        case kActivated:
+            OnActivate();
             return 0;
         case WM_CLOSE:
             OnClose();
@@ -235,9 +243,17 @@ void MainWindow::OnDotsPerInch(int dots, const RECT& place) {
                  place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+/// The save dialog belongs to another thread: it must be kept in front of this window by hand.
+void MainWindow::OnActivate() {
+    const Job* saving = FindJob(saving_);
+    HWND dialog = saving != nullptr ? saving->Dialog() : nullptr;
+    if (dialog != nullptr) SetForegroundWindow(dialog);
+}
+
 void MainWindow::OnClose() {
     if (saving_ != 0) {
         is_closing_ = true;
+        OnActivate();
         note_ = "The window closes when the picture is saved.";
         OnPointer();
         return;
@@ -246,9 +262,9 @@ void MainWindow::OnClose() {
 }
 
 void MainWindow::EnableCommands() {
-    const HMENU menu = GetMenu(window_);
-    const auto enable = [menu](UINT command, bool possible) {
-        EnableMenuItem(menu, command, MF_BYCOMMAND | (possible ? MF_ENABLED : MF_GRAYED));
+    const auto enable = [this](UINT command, bool possible) {
+        EnableMenuItem(GetMenu(window_), command,
+                       MF_BYCOMMAND | (possible ? MF_ENABLED : MF_GRAYED));
     };
     for (const UINT command :
          {IDM_INFORMATION, IDM_COPY, IDM_FIT, IDM_ACTUAL_SIZE, IDM_ZOOM_IN, IDM_ZOOM_OUT})
@@ -418,10 +434,14 @@ int MainWindow::StartJob(const std::string& title, std::function<void(Job::Contr
 
 void MainWindow::StartLoading(const std::string& title, std::function<void(Job::Control&)> work,
                               std::function<void()> finish) {
-    for (const auto& job : jobs_) {
-        if (job->Number() == loading_) job->Cancel();
-    }
+    if (Job* earlier = FindJob(loading_)) earlier->Cancel();
     loading_ = StartJob(title, std::move(work), std::move(finish));
+}
+
+Job* MainWindow::FindJob(int number) const {
+    const auto found = std::find_if(jobs_.begin(), jobs_.end(),
+                                    [=](const auto& job) { return job->Number() == number; });
+    return found != jobs_.end() ? found->get() : nullptr;
 }
 
 void MainWindow::FinishJob(int number) {

@@ -46,6 +46,7 @@ class MainWindow : public CanvasListener {
     void OnDrop(HDROP drop);
     void OnTimer(WPARAM timer);
     void OnDotsPerInch(int dots, const RECT& place);
+    void OnActivate();
     void OnClose();
     void EnableCommands();
 
@@ -67,6 +68,7 @@ class MainWindow : public CanvasListener {
     void StartLoading(const std::string& title, std::function<void(Job::Control&)> work,
                       std::function<void()> finish);
     void FinishJob(int number);
+    [[nodiscard]] Job* FindJob(int number) const;
     void ShowWork();
 
     HWND window_ = nullptr;

@@ -16,7 +16,7 @@ constexpr int kZoomWidth = 64;
 constexpr int kSizeWidth = 150;
 
 int DotsPerInchOf(HWND window) {
-    const HDC device = GetDC(window);
+    HDC device = GetDC(window);
     const int dots = GetDeviceCaps(device, LOGPIXELSY);
     ReleaseDC(window, device);
     return dots > 0 ? dots : kUsualDots;
@@ -58,7 +58,7 @@ void StatusBar::SetDotsPerInch(int dots) {
     LOGFONTA font = metrics.lfStatusFont;
     // The metrics are those of the screen that the program was started on.
     font.lfHeight = MulDiv(font.lfHeight, dots, DotsPerInchOf(nullptr));
-    const HFONT made = CreateFontIndirectA(&font);
+    HFONT made = CreateFontIndirectA(&font);
     if (made == nullptr) return;
     SendMessageA(window_, WM_SETFONT, reinterpret_cast<WPARAM>(made), TRUE);
     if (font_ != nullptr) DeleteObject(font_);

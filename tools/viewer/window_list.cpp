@@ -36,7 +36,7 @@ BOOL CALLBACK AddWindow(HWND window, LPARAM lparam) {
 
 void FillList(HWND dialog, Choice& choice) {
     EnumWindows(&AddWindow, reinterpret_cast<LPARAM>(&choice));
-    const HWND list = GetDlgItem(dialog, IDC_WINDOWS);
+    HWND list = GetDlgItem(dialog, IDC_WINDOWS);
     for (const ListedWindow& listed : choice.windows)
         SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(listed.title.c_str()));
     SendMessageA(list, LB_SETCURSEL, 0, 0);
