@@ -69,12 +69,6 @@
  * Threads
  *   Any thread may call any function. Different handles can be used at the same time; work on one
  *   image from two threads at once is for the host to avoid. Work runs on the caller's thread.
- *
- * This version
- *   Built: everything but what these sections below keep for later: "Display and desktop", the
- *   resizing of "Resizing and mosaics" and the transforms of "Rectification". Their functions are
- *   exported: each returns its failure value (0, or null for a pointer; those without a result do
- *   nothing) and touches none of its arguments.
  */
 #ifndef RASTREL_H_
 #define RASTREL_H_
@@ -669,7 +663,6 @@ RASTREL_API void RASTREL_CALL Rastrel_ProcessECWMessage(int flag);
 RASTREL_API int RASTREL_CALL Rastrel_SetImageHandle(int first, int second);
 
 /* ---- Display and desktop -------------------------------------------------------------------- */
-/* From here on: exported, not all built yet (see "This version" above). */
 
 /*
  * Draws at (x, y) of a device, width x height pixels (-1: the image's), those of the source
@@ -823,8 +816,18 @@ RASTREL_API int RASTREL_CALL Rastrel_Modify(int target, int source, int red, int
 /* ---- Resizing and mosaics ------------------------------------------------------------------- */
 
 /*
- * The source, or a rectangle of it, scaled into the target, which may be the source. mode: 0
- * nearest, 1 bilinear, 2 bicubic, 3 area average, -1 automatic.
+ * The target becomes the source, or a rectangle of it in picture coordinates, clipped to the image,
+ * of another size in pixels. The target may be the source, and stays as it is on failure. Pixel
+ * centres are aligned: the middle of new pixel i lies at (i + 0.5) * old / new - 0.5 of the old
+ * ones; the edge pixels go on outside.
+ *
+ * mode: 0 the pixel that holds the new one's middle, at the source's depth; 1 between the two
+ * nearest of each row and column; 2 cubic convolution through the four nearest (R. G. Keys, a =
+ * -1/2); 3 the average over the area that a new pixel covers; -1 the best: 0 for palettes that are
+ * not all greys, else 3 where a side gets shorter, else 1. ResizeEx takes the best.
+ * Modes 1 to 3 give 8 bits for greys, 24 for other palettes and 16 bits; colours of 32 bits count
+ * by their alpha. Sums are rounded, halves up. 0 for other modes, sizes below 1 or too large,
+ * rectangles outside the image, and run-length data.
  */
 RASTREL_API int RASTREL_CALL Rastrel_Resize(int target, int source, int width, int height,
                                             int mode);
@@ -870,9 +873,17 @@ RASTREL_API int RASTREL_CALL Rastrel_AffineApplicaDiretta(double* column_to_x, d
 RASTREL_API int RASTREL_CALL Rastrel_AffineApplicaInversa(double* x_to_column, double* y_to_row);
 
 /*
- * The source resampled north-up over a box in map units with square cells; mode 0 nearest, 1
- * bilinear, 2 bicubic. Ex: only the source pixels of a rectangle are used; progress may be null.
- * BackColor: with the colour of places outside the source.
+ * The target becomes the source laid north-up by the solution over a box in map units, in square
+ * cells of cell_size map units: length / cell_size + 0.4999999 columns and rows, fractions cut off.
+ * mode 0 to 2 as those of Rastrel_Resize, which tells depths and palettes, too. A cell gets the
+ * source pixel whose column and row are its place + 0.499999999, fractions cut off, or what lies
+ * between its neighbours; cells without one are white (where a palette has no white, index 255).
+ * The target may be the source, and stays as it is on failure: no solution, values that are not
+ * finite, boxes smaller than a cell, sizes too large, other modes, run-length data.
+ *
+ * Ex: only the source pixels of a rectangle, in picture coordinates and clipped to the image, are
+ * used; progress may be null, and is told 0.0, at least every percent, and 1.0; cancelling is a
+ * failure. BackColor: with the colour of the cells without a pixel.
  */
 RASTREL_API int RASTREL_CALL Rastrel_AffineTransform(int target, int source, double xmin,
                                                      double ymin, double xmax, double ymax,
