@@ -21,63 +21,71 @@ constexpr int kSurfacePixelBytes = 4;
 class RowSampler {
   public:
     RowSampler(const DevicePicture& picture, const Samples& columns)
-        : picture_(picture), is_in_step_(columns.is_in_step), count_(columns.sources.size()) {
+        : raster_(picture.raster),
+          bits_(picture.raster.Bits()),
+          is_in_step_(columns.is_in_step),
+          colors_(picture.colors) {
         const auto [least, most] = std::ranges::minmax(columns.sources);
         first_ = least;
-        const auto span = static_cast<std::size_t>(most - least) + 1;
-        const int bits = picture.raster.Bits();
-        if (bits < 8) unpacked_.resize(span);
+        span_ = static_cast<std::size_t>(most - least) + 1;
+        if (bits_ < 8) unpacked_.resize(span_);
         // One byte more: 24-bit pixels are read with the byte behind them.
-        if (bits == 16) unpacked_.resize(span * 3 + 1);
-        if (is_in_step_) return;
-        const auto bytes = static_cast<std::uint32_t>(bits <= 8 ? 1 : bits == 32 ? 4 : 3);
-        offsets_.reserve(count_);
-        for (const int source : columns.sources)
-            offsets_.push_back(static_cast<std::uint32_t>(source - least) * bytes);
+        if (bits_ == 16) unpacked_.resize(span_ * 3 + 1);
+        if (!is_in_step_) ChooseOffsets(columns);
     }
 
     void Make(int stored_row, std::span<std::uint8_t> out) {
-        const std::uint8_t* row = FirstPixel(picture_.raster.Row(stored_row));
-        switch (picture_.raster.Bits()) {
-            case 16:
-            case 24:
-                is_in_step_ ? BgrxFrom24(row, out) : ChooseFrom24(row, offsets_, out);
-                break;
-            case 32:
-                if (is_in_step_)
-                    std::memcpy(out.data(), row, out.size());
-                else
-                    ChooseFrom32(row, offsets_, out);
-                break;
-            default:
-                is_in_step_ ? BgrxFromIndices(row, picture_.colors, out)
-                            : ChooseFromIndices(row, offsets_, picture_.colors, out);
-                break;
+        const std::uint8_t* row = FirstPixel(raster_.Row(stored_row));
+        if (bits_ == 32) {
+            if (is_in_step_)
+                std::memcpy(out.data(), row, out.size());
+            else
+                ChooseFrom32(row, offsets_, out);
+        } else if (bits_ > 8) {
+            if (is_in_step_)
+                BgrxFrom24(row, out);
+            else
+                ChooseFrom24(row, offsets_, groups_, out);
+        } else {
+            if (is_in_step_)
+                BgrxFromIndices(row, colors_, out);
+            else
+                ChooseFromIndices(row, offsets_, groups_, colors_, out);
         }
     }
 
   private:
+    void ChooseOffsets(const Samples& columns) {
+        const std::uint32_t bytes = bits_ <= 8 ? 1 : bits_ == 32 ? 4 : 3;
+        offsets_.reserve(columns.sources.size());
+        for (const int source : columns.sources)
+            offsets_.push_back(static_cast<std::uint32_t>(source - first_) * bytes);
+        if (bits_ <= 8) groups_ = GroupIndices(offsets_, span_);
+        if (bits_ == 16 || bits_ == 24) groups_ = Group24(offsets_, span_ * 3);
+    }
+
     /// The leftmost of the pixels, in whole bytes: indices, 24 or 32 bits.
     const std::uint8_t* FirstPixel(std::span<const std::uint8_t> row) {
         const auto first = static_cast<std::size_t>(first_);
-        const int bits = picture_.raster.Bits();
-        if (bits < 8) {
-            UnpackIndices(row, bits, first_, unpacked_);
+        if (bits_ < 8) {
+            UnpackIndices(row, bits_, first_, unpacked_);
             return unpacked_.data();
         }
-        if (bits == 16) {
-            const std::size_t span = unpacked_.size() / 3;
-            Bgr24From16(row.subspan(first * 2, span * 2), unpacked_);
+        if (bits_ == 16) {
+            Bgr24From16(row.subspan(first * 2, span_ * 2), unpacked_);
             return unpacked_.data();
         }
-        return row.subspan(first * static_cast<std::size_t>(bits / 8)).data();
+        return row.subspan(first * static_cast<std::size_t>(bits_ / 8)).data();
     }
 
-    DevicePicture picture_;
+    const RasterImage& raster_;
+    int bits_;
     bool is_in_step_;
-    std::size_t count_;
+    SurfaceColors colors_;
     int first_ = 0;
+    std::size_t span_ = 0;  ///< pixels from the leftmost to the rightmost
     std::vector<std::uint32_t> offsets_;
+    ChosenBytes groups_;
     std::vector<std::uint8_t> unpacked_;
 };
 
@@ -86,16 +94,25 @@ std::span<std::uint8_t> SurfaceRun(const RastrelSurface& surface, int x, int y, 
     return {row + std::ptrdiff_t{x} * kSurfacePixelBytes, count * kSurfacePixelBytes};
 }
 
+/// Rows of surfaces that are larger than the caches go past them.
 void CopyRows(const RastrelSurface& surface, const Samples& columns, const Samples& rows,
               RowSampler& sampler) {
+    const std::size_t row_bytes = columns.sources.size() * kSurfacePixelBytes;
+    const bool streams = row_bytes * rows.sources.size() >= kStreamedFrom;
+    std::vector<std::uint8_t> streamed(streams ? row_bytes : 0);
     std::span<const std::uint8_t> made;
     for (std::size_t i = 0; i < rows.sources.size(); ++i) {
         const auto out = SurfaceRun(surface, columns.first, rows.first + static_cast<int>(i),
                                     columns.sources.size());
-        if (i > 0 && rows.sources[i] == rows.sources[i - 1])
-            std::memcpy(out.data(), made.data(), out.size());
-        else
+        const bool is_new = i == 0 || rows.sources[i] != rows.sources[i - 1];
+        if (streams) {
+            if (is_new) sampler.Make(rows.sources[i], streamed);
+            StreamCopy(streamed, out.data());
+        } else if (is_new) {
             sampler.Make(rows.sources[i], out);
+        } else {
+            std::memcpy(out.data(), made.data(), out.size());
+        }
         made = out;
     }
 }
