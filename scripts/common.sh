@@ -23,7 +23,7 @@ packages_windows=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix binutils l
 packages_wine=(wine64 wine fonts-wine libc6-i386 xvfb xauth util-linux xdotool imagemagick)
 packages_fuzz=(clang libclang-rt-14-dev)
 packages_lint=(clang clang-tidy clang-format)
-packages_bench=(libbenchmark-dev libgif-dev libleptonica-dev libopencv-dev)
+packages_bench=(libbenchmark-dev libgif-dev libleptonica-dev libopencv-dev libpixman-1-dev)
 
 # install_packages NAME...: installs what is missing; says nothing when nothing is.
 install_packages() {
