@@ -119,6 +119,28 @@ TEST(SurfaceRows, ChooseTrueColours) {
     }
 }
 
+TEST(SurfaceRows, AreCombined) {
+    for (std::size_t count = 0; count <= 70; ++count) {
+        const Bytes pixels = RandomBytes(4 * count);
+        std::vector<std::uint32_t> both;
+        std::vector<std::uint32_t> either;
+        for (std::size_t i = 0; i < count; ++i) {
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, &pixels[4 * i], sizeof pixel);
+            both.push_back(pixel & 0x3c3c3c3c);
+            either.push_back(pixel | 0x3c3c3c3c);
+        }
+        ExpectPixels(both, "and", [&](auto out) {
+            std::ranges::fill(out, 0x3c);
+            AndBytes(pixels, out);
+        });
+        ExpectPixels(either, "or", [&](auto out) {
+            std::ranges::fill(out, 0x3c);
+            OrBytes(pixels, out);
+        });
+    }
+}
+
 TEST(SurfaceRows, FormGroupsWhereTheyHelp) {
     EXPECT_EQ(GroupIndices(Columns(480, 1024, false, 1), 1024).groups.size(), 8u);
     EXPECT_EQ(GroupIndices(Columns(480, 1024, true, 1), 1024).groups.size(), 8u);

@@ -88,12 +88,14 @@ void ChooseFrom32(const std::uint8_t* row, std::span<const std::uint32_t> offset
 }
 
 void AndBytes(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
-    for (std::size_t i = 0; i < out.size(); ++i)
+    const std::size_t done = simd::AndBytes(pixels.data(), out.size(), out.data());
+    for (std::size_t i = done; i < out.size(); ++i)
         out[i] &= pixels[i];
 }
 
 void OrBytes(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) {
-    for (std::size_t i = 0; i < out.size(); ++i)
+    const std::size_t done = simd::OrBytes(pixels.data(), out.size(), out.data());
+    for (std::size_t i = done; i < out.size(); ++i)
         out[i] |= pixels[i];
 }
 

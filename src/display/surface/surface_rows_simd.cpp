@@ -161,6 +161,22 @@ std::size_t BgrxFrom24(const std::uint8_t* pixels, std::size_t count, std::uint8
 
 #endif
 
+std::size_t AndBytes(const std::uint8_t* bytes, std::size_t count, std::uint8_t* out) {
+    const hn::ScalableTag<std::uint8_t> d;
+    std::size_t done = 0;
+    for (; count - done >= hn::Lanes(d); done += hn::Lanes(d))
+        hn::StoreU(hn::And(hn::LoadU(d, bytes + done), hn::LoadU(d, out + done)), d, out + done);
+    return done;
+}
+
+std::size_t OrBytes(const std::uint8_t* bytes, std::size_t count, std::uint8_t* out) {
+    const hn::ScalableTag<std::uint8_t> d;
+    std::size_t done = 0;
+    for (; count - done >= hn::Lanes(d); done += hn::Lanes(d))
+        hn::StoreU(hn::Or(hn::LoadU(d, bytes + done), hn::LoadU(d, out + done)), d, out + done);
+    return done;
+}
+
 }  // namespace rastrel::simd::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -171,6 +187,8 @@ HWY_EXPORT(BgrxFromIndices);
 HWY_EXPORT(BgrxFrom24);
 HWY_EXPORT(ChooseFromIndices);
 HWY_EXPORT(ChooseFrom24);
+HWY_EXPORT(AndBytes);
+HWY_EXPORT(OrBytes);
 
 std::size_t BgrxFromIndices(const std::uint8_t* indices, const SurfaceColors& colors,
                             std::size_t count, std::uint8_t* out) {
@@ -189,6 +207,14 @@ std::size_t ChooseFromIndices(const std::uint8_t* row, const ChosenBytes& chosen
 std::size_t ChooseFrom24(const std::uint8_t* row, const ChosenBytes& chosen, std::size_t count,
                          std::uint8_t* out) {
     return HWY_DYNAMIC_DISPATCH(ChooseFrom24)(row, chosen, count, out);
+}
+
+std::size_t AndBytes(const std::uint8_t* bytes, std::size_t count, std::uint8_t* out) {
+    return HWY_DYNAMIC_DISPATCH(AndBytes)(bytes, count, out);
+}
+
+std::size_t OrBytes(const std::uint8_t* bytes, std::size_t count, std::uint8_t* out) {
+    return HWY_DYNAMIC_DISPATCH(OrBytes)(bytes, count, out);
 }
 
 }  // namespace rastrel::simd

@@ -22,4 +22,8 @@ namespace rastrel::simd {
 [[nodiscard]] std::size_t ChooseFrom24(const std::uint8_t* row, const ChosenBytes& chosen,
                                        std::size_t count, std::uint8_t* out);
 
+/// Bytes, not pixels.
+[[nodiscard]] std::size_t AndBytes(const std::uint8_t* bytes, std::size_t count, std::uint8_t* out);
+[[nodiscard]] std::size_t OrBytes(const std::uint8_t* bytes, std::size_t count, std::uint8_t* out);
+
 }  // namespace rastrel::simd
