@@ -11,26 +11,19 @@ namespace {
 constexpr std::size_t kGroup = ChosenBytes::kGroup;
 constexpr std::size_t kWindow = ChosenBytes::kWindow;
 
+using Places = std::array<std::uint32_t, kGroup>;
+
 /// A group of bytes at these places of a row. None when they lie further apart than a window.
-std::optional<ChosenBytes::Group> MakeGroup(std::span<const std::int64_t, kGroup> places,
-                                            std::size_t row_bytes) {
-    const auto is_used = [](std::int64_t place) { return place >= 0; };
-    const std::int64_t least = *std::ranges::min_element(places, {}, [&](std::int64_t place) {
-        return is_used(place) ? place : std::int64_t{1} << 40;
-    });
-    const std::int64_t most = *std::ranges::max_element(places);
+std::optional<ChosenBytes::Group> MakeGroup(const Places& places, std::size_t row_bytes) {
+    const auto [least, most] = std::ranges::minmax(places);
     // Never behind the row's end.
-    const std::int64_t window =
-        std::min(least, static_cast<std::int64_t>(row_bytes) - static_cast<std::int64_t>(kWindow));
-    if (most - window >= static_cast<std::int64_t>(kWindow)) return std::nullopt;
+    const auto last = static_cast<std::uint32_t>(row_bytes - kWindow);
     ChosenBytes::Group group = {};
-    group.window = static_cast<std::uint32_t>(window);
+    group.window = std::min(least, last);
+    if (most - group.window >= kWindow) return std::nullopt;
     for (std::size_t i = 0; i < kGroup; ++i) {
-        if (!is_used(places[i])) continue;
-        const auto place = static_cast<std::uint8_t>(places[i] - window);
-        group.places[i] = place;
-        group.used |= std::uint64_t{1} << i;
-        if (place >= 128) group.upper |= std::uint64_t{1} << i;
+        group.places[i] = static_cast<std::uint8_t>(places[i] - group.window);
+        group.upper |= std::uint64_t{group.places[i]} >> 7 << i;
     }
     return group;
 }
@@ -42,9 +35,10 @@ ChosenBytes MakeGroups(std::size_t count, std::size_t group_pixels, std::size_t 
                        PlacesOf places_of) {
     ChosenBytes chosen;
     if (count < group_pixels || row_bytes < kWindow) return chosen;
+    chosen.groups.reserve(count / group_pixels + 1);
     for (std::size_t done = 0; done < count; done += group_pixels) {
         const std::size_t pixel = std::min(done, count - group_pixels);
-        std::array<std::int64_t, kGroup> places = {};
+        Places places;
         places_of(pixel, places);
         const auto group = MakeGroup(places, row_bytes);
         if (!group) return {};
@@ -58,7 +52,7 @@ ChosenBytes MakeGroups(std::size_t count, std::size_t group_pixels, std::size_t 
 
 ChosenBytes GroupIndices(std::span<const std::uint32_t> offsets, std::size_t row_bytes) {
     return MakeGroups(offsets.size(), kGroup, row_bytes,
-                      [offsets](std::size_t pixel, std::array<std::int64_t, kGroup>& places) {
+                      [offsets](std::size_t pixel, Places& places) {
                           // Interleaving works on each quarter of a register by itself: its four
                           // pixels of every sixteen stand together.
                           for (std::size_t i = 0; i < kGroup; ++i) {
@@ -71,12 +65,11 @@ ChosenBytes GroupIndices(std::span<const std::uint32_t> offsets, std::size_t row
 
 ChosenBytes Group24(std::span<const std::uint32_t> offsets, std::size_t row_bytes) {
     return MakeGroups(offsets.size(), kGroup / 4, row_bytes,
-                      [offsets](std::size_t pixel, std::array<std::int64_t, kGroup>& places) {
+                      [offsets](std::size_t pixel, Places& places) {
+                          // The fourth byte, which becomes 0, is any of the others.
                           for (std::size_t i = 0; i < kGroup; ++i) {
-                              const std::size_t channel = i % 4;
-                              const std::int64_t at = offsets[pixel + i / 4];
-                              places[i] =
-                                  channel < 3 ? at + static_cast<std::int64_t>(channel) : -1;
+                              const auto channel = static_cast<std::uint32_t>(i % 4 % 3);
+                              places[i] = offsets[pixel + i / 4] + channel;
                           }
                       });
 }

@@ -17,7 +17,6 @@ struct ChosenBytes {
     struct Group {
         std::uint32_t window;  ///< where in the row the bytes that are looked at begin
         std::uint32_t pixel;   ///< the first pixel that the group makes
-        std::uint64_t used;    ///< a bit for each byte that is chosen; the others become 0
         std::uint64_t upper;   ///< a bit for each place that is 128 or more
         alignas(kGroup) std::array<std::uint8_t, kGroup> places;  ///< in the window
     };

@@ -29,6 +29,15 @@ struct ByteTable {
     __m512i part[4];
 };
 
+/// The bytes of a group, which mostly lie within the first half of its window.
+__m512i Choose(const std::uint8_t* row, const ChosenBytes::Group& group) {
+    const std::uint8_t* window = row + group.window;
+    const __m512i places = _mm512_load_si512(group.places.data());
+    if (group.upper != 0) return ByteTable(window).LookUp(places, group.upper);
+    return _mm512_permutex2var_epi8(_mm512_loadu_si512(window), places,
+                                    _mm512_loadu_si512(window + 64));
+}
+
 /// The four bytes of 256 colours.
 struct ColorTables {
     explicit ColorTables(const SurfaceColors& colors)
@@ -81,10 +90,7 @@ void StoreChosenColors(const std::uint8_t* row, const ChosenBytes& chosen,
                        const SurfaceColors& colors, std::uint8_t* out) {
     const ColorTables tables(colors);
     for (const ChosenBytes::Group& group : chosen.groups) {
-        const ByteTable window(row + group.window);
-        tables.Store<kUsesAllBytes>(
-            window.LookUp(_mm512_load_si512(group.places.data()), group.upper),
-            out + std::size_t{4} * group.pixel);
+        tables.Store<kUsesAllBytes>(Choose(row, group), out + std::size_t{4} * group.pixel);
     }
 }
 
@@ -107,11 +113,10 @@ std::size_t ChooseFromIndices(const std::uint8_t* row, const ChosenBytes& chosen
 std::size_t ChooseFrom24(const std::uint8_t* row, const ChosenBytes& chosen, std::size_t count,
                          std::uint8_t* out) {
     if (chosen.groups.empty()) return 0;
+    constexpr __mmask64 kWithoutUnused = 0x7777777777777777;
     for (const ChosenBytes::Group& group : chosen.groups) {
-        const ByteTable window(row + group.window);
-        const __m512i bytes = window.LookUp(_mm512_load_si512(group.places.data()), group.upper);
         _mm512_storeu_si512(out + std::size_t{4} * group.pixel,
-                            _mm512_maskz_mov_epi8(group.used, bytes));
+                            _mm512_maskz_mov_epi8(kWithoutUnused, Choose(row, group)));
     }
     return count;
 }

@@ -17,10 +17,10 @@ class Clipboard {
 
     /// Puts a bitmap in the place of all that was there. The clipboard owns it then; when that
     /// fails, it ends.
-    [[nodiscard]] bool Take(OwnedBitmap bitmap) {
+    [[nodiscard]] bool Take(OwnedBitmap bitmap) const {
         if (!is_open_ || EmptyClipboard() == 0) return false;
         if (SetClipboardData(CF_BITMAP, bitmap.get()) == nullptr) return false;
-        bitmap.release();
+        static_cast<void>(bitmap.release());
         return true;
     }
 
