@@ -177,9 +177,21 @@ class Viewer:
         self.screen.ask("post", self.window().number, 0x10, 0, 0)
         return self.wait_end()
 
+    def activate(self):
+        """Gives the keyboard to the dialog or else the window."""
+        def has_keyboard():
+            window = self.dialog() or self.window()
+            return window and self.screen.ask("activate", window.number) == ["1"]
+        wait_for("the keyboard", has_keyboard)
+
     def keys(self, *names):
+        self.activate()
         for name in names:
             self.screen.do("key", name)
+
+    def command(self, number, window=None):
+        """As if it had been chosen in the menu, or a dialog's button pressed."""
+        self.screen.ask("post", (window or self.window()).number, 0x111, number, 0)
 
     def drop(self, path):
         assert self.screen.ask("drop", self.window().number, windows_path(path)) == ["1"]

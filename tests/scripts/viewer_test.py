@@ -8,6 +8,7 @@ import os
 import pathlib
 import random
 import struct
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -16,6 +17,9 @@ from viewer_support import Picture, Screen, Viewer, bmp_head, wait_for, windows_
 
 ARGUMENTS = []
 BACKGROUND = (96, 96, 96)
+OK, CANCEL = 1, 2  # buttons of dialogs
+SAVE = 102         # a command of the menu
+SAVE_NAME = 101    # a field of the save dialog
 
 
 def colour(x, y):
@@ -257,6 +261,67 @@ class Windows(ViewerTest):
         viewer.drop(other)  # the last one wins
         viewer.wait_title("^other.bmp ")
         self.assertEqual(viewer.close(), "0")
+
+    def test_save_as(self):
+        picture, viewer = self.show("from.bmp", 30, 20)
+        target = self.folder / "to.png"
+        path = self.folder / "from.bpw"
+        path.write_text("2\n0\n0\n-2\n1000\n2000\n")
+        viewer.drop(self.folder / "from.bmp")  # again, now with its place on the map
+        viewer.point_at(300, 200)
+        wait_for("the place", lambda: "map" in viewer.window().text)
+        viewer.point_at(2, 2)
+
+        def save_dialog():
+            viewer.command(SAVE)  # does nothing while the last one is still being finished
+            return viewer.dialog()
+        viewer.command(CANCEL, wait_for("the dialog", save_dialog))
+        wait_for("the dialog to go", lambda: not viewer.dialog())
+        dialog = wait_for("the dialog again", save_dialog)
+        self.screen.ask("text", dialog.number, SAVE_NAME, windows_path(target))
+        viewer.command(OK, dialog)
+        wait_for("the file", target.exists)
+        wait_for("the note", lambda: "Saved as to.png" in viewer.window().text)
+        rows = subprocess.run(["pngtopnm", target], capture_output=True, check=True).stdout
+        expected = b"".join(bytes(pixel) for row in picture.rows for pixel in row)
+        self.assertEqual(rows[-len(expected):], expected)
+        self.assertEqual([float(line) for line in target.with_suffix(".pgw").read_text().split()],
+                         [2, 0, 0, -2, 1000, 2000])
+
+    def test_capture(self):
+        picture, shown = self.show("subject.bmp", 200, 150)
+        shown.keys("1")
+        shown.wait_title(r"\(100%\)")
+        viewer = self.start()
+        viewer.keys("ctrl+w")
+        viewer.wait_dialog("Capture a window")
+        viewer.keys("Home", "s", "Return")
+        viewer.wait_title(r"^Capture of subject.bmp \(")
+        viewer.keys("1")
+        viewer.wait_title(r"\(100%\)")
+        # The middle of the picture inside the captured window's middle.
+        _, _, width, height = viewer.canvas()
+
+        def has_the_picture():
+            rows = viewer.shown()
+            line = picture.rows[75][60:140]
+            return any(rows[y][x:x + 80] == line for y in range(height)
+                       for x in range(width - 80) if rows[y][x] == line[0])
+        wait_for("the captured picture", has_the_picture)
+
+
+class Clipboard(ViewerTest):
+    def test_copy_and_paste(self):
+        picture, viewer = self.show("source.bmp", 70, 50)
+        viewer.keys("ctrl+c")
+        wait_for("the note", lambda: viewer.window().text == "Copied.")
+        other = self.start()
+        other.keys("ctrl+v")
+        other.wait_title("^Pasted ")
+        other.keys("1")
+        other.wait_title(r"\(100%\)")
+        _, _, width, height = other.canvas()
+        self.assert_shows(other, picture, (width - 70) // 2, (height - 50) // 2, 1)
 
 
 def palette_png(width, height, index, colours, transparent):

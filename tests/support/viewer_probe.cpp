@@ -9,7 +9,9 @@
 //   windows                 for each visible window: number, process, class, title, text and, of
 //                           the viewer, where its picture area is: x, y, width, height
 //   post WINDOW MESSAGE WPARAM LPARAM
+//   text WINDOW CONTROL TEXT  fills in a control of a dialog
 //   drop WINDOW FILE        as if the file had been dropped there
+//   activate WINDOW         gives it the keyboard: 1 when it has it
 // It ends with its input, and ends the programs that it has started.
 
 #include <windows.h>
@@ -101,13 +103,13 @@ BOOL CALLBACK PrintWindow(HWND window, LPARAM /*unused*/) {
     GetWindowThreadProcessId(window, &process);
     std::array<char, 256> name = {};
     GetClassNameA(window, name.data(), static_cast<int>(name.size()));
-    const HWND status = FindWindowExA(window, nullptr, "msctls_statusbar32", nullptr);
+    HWND status = FindWindowExA(window, nullptr, "msctls_statusbar32", nullptr);
     constexpr int kMessageText = 0xFFFF;  // the control of a message box
-    const HWND text = status != nullptr ? status : GetDlgItem(window, kMessageText);
+    HWND text = status != nullptr ? status : GetDlgItem(window, kMessageText);
     std::printf("%llu\t%lu\t%s\t%s\t%s",
                 static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(window)), process,
                 name.data(), TextOf(window).c_str(), text != nullptr ? TextOf(text).c_str() : "");
-    if (const HWND canvas = FindWindowExA(window, nullptr, "RastrelCanvas", nullptr)) {
+    if (HWND canvas = FindWindowExA(window, nullptr, "RastrelCanvas", nullptr)) {
         RECT rect = {};
         GetWindowRect(canvas, &rect);
         std::printf("\t%ld\t%ld\t%ld\t%ld", rect.left, rect.top, rect.right - rect.left,
@@ -126,7 +128,7 @@ bool Drop(HWND window, const std::string& file) {
     std::copy(file.begin(), file.end(), bytes.begin() + sizeof(head));
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    const HANDLE target = OpenProcess(PROCESS_ALL_ACCESS, FALSE, process);
+    HANDLE target = OpenProcess(PROCESS_ALL_ACCESS, FALSE, process);
     if (target == nullptr) return false;
     void* there = VirtualAllocEx(target, nullptr, bytes.size(), MEM_COMMIT, PAGE_READWRITE);
     const bool is_there =
@@ -135,11 +137,24 @@ bool Drop(HWND window, const std::string& file) {
     return is_there && PostMessageA(window, WM_DROPFILES, reinterpret_cast<WPARAM>(there), 0);
 }
 
+/// Whether the window has the keyboard; if not, it will. Its thread takes the focus a little after
+/// it has become the one in front, and keys between the two are lost.
+bool Activate(HWND window) {
+    if (GetForegroundWindow() != window) {
+        SetForegroundWindow(window);
+        return false;
+    }
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof(info);
+    return GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info) != 0 &&
+           info.hwndActive == window && info.hwndFocus != nullptr;
+}
+
 /// A desktop with its window on the screen, made by the shell.
 bool EnterDesktop() {
     constexpr int kTries = 600;
     for (int i = 0; i < kTries; ++i, Sleep(100)) {
-        const HDESK desktop = OpenDesktopA(g_desktop.c_str(), 0, FALSE, MAXIMUM_ALLOWED);
+        HDESK desktop = OpenDesktopA(g_desktop.c_str(), 0, FALSE, MAXIMUM_ALLOWED);
         if (desktop != nullptr) return SetThreadDesktop(desktop) != 0;
     }
     return false;
@@ -159,8 +174,13 @@ class Session {
         } else if (verb == "post") {
             PostMessageA(WindowOf(command.at(1)), static_cast<UINT>(Number(command.at(2))),
                          Number(command.at(3)), static_cast<LPARAM>(Number(command.at(4))));
+        } else if (verb == "text") {
+            SetDlgItemTextA(WindowOf(command.at(1)), static_cast<int>(Number(command.at(2))),
+                            command.at(3).c_str());
         } else if (verb == "drop") {
             std::printf("%d\n", Drop(WindowOf(command.at(1)), command.at(2)) ? 1 : 0);
+        } else if (verb == "activate") {
+            std::printf("%d\n", Activate(WindowOf(command.at(1))) ? 1 : 0);
         } else if (verb == "state") {
             const auto number = static_cast<DWORD>(Number(command.at(1)));
             std::printf("%s\n", programs_.at(number)->State().c_str());

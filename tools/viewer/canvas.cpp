@@ -237,6 +237,8 @@ void Canvas::OnMouseMove(ScreenPoint point) {
         TRACKMOUSEEVENT leaving = {sizeof(leaving), TME_LEAVE, window_, 0};
         TrackMouseEvent(&leaving);
     }
+    // Windows that come and go make the system tell of moves that are none.
+    if (pointer_ == point) return;
     pointer_ = point;
     if (dragged_from_) {
         const ScreenPoint from = *dragged_from_;

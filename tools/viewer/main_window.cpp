@@ -254,9 +254,7 @@ void MainWindow::OnClose() {
     if (saving_ != 0) {
         is_closing_ = true;
         OnActivate();
-        note_ = "The window closes when the picture is saved.";
-        OnPointer();
-        return;
+        return ShowNote("The window closes when the picture is saved.");
     }
     DestroyWindow(window_);
 }
@@ -313,10 +311,9 @@ void MainWindow::Copy() {
     if (!document_) return;
     const WaitCursor wait;
     if (Rastrel_CopyToClipboard(document_->image->Handle(), window_) == 1)
-        note_ = "Copied.";
+        ShowNote("Copied.");
     else
         ShowError(window_, "The picture cannot be copied to the clipboard.");
-    OnPointer();
 }
 
 void MainWindow::Paste() {
@@ -385,12 +382,11 @@ void MainWindow::Saved(int result, const std::string& name, int type) {
         return ShowError(
             window_, fmt::format("{} cannot be saved:\n{}.", name.empty() ? "The picture" : name,
                                  rastrel_cli::WhyNotSaved(name, type, document_->image->Bits())));
-    note_ = fmt::format("Saved as {}.", FileTitle(name));
+    ShowNote(fmt::format("Saved as {}.", FileTitle(name)));
     if (document_->georeference) {
         const auto problem = rastrel_cli::WriteGeoreference(name, *document_->georeference);
         if (problem) ShowError(window_, fmt::format("{}:\n{}.", name, *problem));
     }
-    OnPointer();
 }
 
 void MainWindow::ShowInformation() {
@@ -400,7 +396,6 @@ void MainWindow::ShowInformation() {
 // ---- What is shown ------------------------------------------------------------------------------
 
 void MainWindow::Show(std::unique_ptr<Document> document) {
-    note_.clear();
     canvas_->Show(document.get());
     std::swap(document_, document);  // the one before lives until here
     status_->Set(StatusBar::kSize, SizeText(*document_));
@@ -411,7 +406,7 @@ void MainWindow::Show(std::unique_ptr<Document> document) {
 void MainWindow::OnPointer() {
     const auto pointed = document_ ? canvas_->PointedAt() : std::nullopt;
     status_->Set(StatusBar::kPointer,
-                 pointed ? PixelText(*document_, pointed->pixel, pointed->spot) : note_);
+                 pointed ? PixelText(*document_, pointed->pixel, pointed->spot) : "");
 }
 
 void MainWindow::OnZoom() {
@@ -453,6 +448,10 @@ void MainWindow::FinishJob(int number) {
     if (jobs_.empty()) KillTimer(window_, kWorkTimer);
     ShowWork();
     job->Finish();
+}
+
+void MainWindow::ShowNote(const std::string& note) {
+    status_->Set(StatusBar::kPointer, note);
 }
 
 void MainWindow::ShowWork() {

@@ -70,13 +70,14 @@ class MainWindow : public CanvasListener {
     void FinishJob(int number);
     [[nodiscard]] Job* FindJob(int number) const;
     void ShowWork();
+    /// Tells something until the pointer moves.
+    void ShowNote(const std::string& note);
 
     HWND window_ = nullptr;
     std::unique_ptr<Document> document_;
     std::unique_ptr<StatusBar> status_;
     std::unique_ptr<Canvas> canvas_;
-    std::string note_;  ///< shown where the pointer points at nothing
-    int wheel_ = 0;     ///< turns of the wheel that have not made a step yet
+    int wheel_ = 0;  ///< turns of the wheel that have not made a step yet
     std::optional<ListedWindow> capture_;
     bool is_closing_ = false;  ///< as soon as the picture is saved
     int last_job_ = 0;

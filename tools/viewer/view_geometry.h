@@ -28,6 +28,8 @@ struct Box {
 struct ScreenPoint {
     int x = 0;
     int y = 0;
+
+    friend bool operator==(const ScreenPoint&, const ScreenPoint&) = default;
 };
 
 struct Point {
