@@ -79,6 +79,8 @@ def main(build, source, kind, toolchain=None, emulator=None):
             test_other_linker(prefix, package, work, kind, run_by)
             definitions = find(prefix, "rastrel.def").read_text()
             assert "Rastrel_New" in definitions
+            viewer = find(prefix, "rastrel-view.exe").read_bytes()
+            assert "Rastrel Viewer".encode("utf-16-le") in viewer  # its version resource
     print("installed, found and used")
 
 

@@ -196,6 +196,32 @@ class Windows(ViewerTest):
         wait_for("the pixel's index", lambda: "   index 0   RGB 10, 20, 30" in
                  viewer.window().text)
 
+    def test_run_length_coded_pixels(self):
+        path = self.folder / "runs.bmp"
+        colours = ((10, 20, 30), (250, 0, 90), (0, 200, 100))
+        rows = b"".join(bytes((20 + y, y % 3, 80 - y, (y + 1) % 3, 0, 0)) for y in range(30))
+        coded = rows + bytes((0, 1))
+        palette = b"".join(bytes((*reversed(entry), 0)) for entry in colours)
+        path.write_bytes(
+            struct.pack("<2sIII", b"BM", 66 + len(coded), 0, 66) +
+            struct.pack("<IiiHHIIiiII", 40, 100, 30, 1, 8, 1, len(coded), 0, 0, 3, 0) +
+            palette + coded)
+        viewer = self.start(path)
+        viewer.wait_title("^runs.bmp ")
+        viewer.keys("1")
+        viewer.wait_title(r"\(100%\)")
+        _, _, width, height = viewer.canvas()
+
+        def colour_at(x, y):
+            stored = 29 - y
+            return colours[(stored + (x >= 20 + stored)) % 3]
+        left, top = (width - 100) // 2, (height - 30) // 2
+        self.assert_shows(viewer, Picture(100, 30, colour_at), left, top, 1)
+        viewer.point_at(left + 99, top)
+        red, green, blue = colour_at(99, 0)
+        wait_for("the pixel's colour, not its code", lambda: viewer.window().text ==
+                 f"99, 0   RGB {red}, {green}, {blue}")
+
     def test_place_on_the_map(self):
         _, path = self.picture("sheet.bmp", 40, 30)
         path.with_suffix(".bpw").write_text("2.5\n0\n0\n-2.5\n600000\n5100000\n")

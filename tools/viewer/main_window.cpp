@@ -264,9 +264,9 @@ void MainWindow::EnableCommands() {
         EnableMenuItem(GetMenu(window_), command,
                        MF_BYCOMMAND | (possible ? MF_ENABLED : MF_GRAYED));
     };
-    for (const UINT command :
+    for (const int command :
          {IDM_INFORMATION, IDM_COPY, IDM_FIT, IDM_ACTUAL_SIZE, IDM_ZOOM_IN, IDM_ZOOM_OUT})
-        enable(command, document_ != nullptr);
+        enable(static_cast<UINT>(command), document_ != nullptr);
     enable(IDM_SAVE, document_ != nullptr && saving_ == 0);
     enable(IDM_PASTE,
            IsClipboardFormatAvailable(CF_BITMAP) || IsClipboardFormatAvailable(CF_HDROP));
@@ -396,8 +396,8 @@ void MainWindow::ShowInformation() {
 // ---- What is shown ------------------------------------------------------------------------------
 
 void MainWindow::Show(std::unique_ptr<Document> document) {
-    canvas_->Show(document.get());
-    std::swap(document_, document);  // the one before lives until here
+    std::swap(document_, document);  // the one before lives until the canvas has left it
+    canvas_->Show(document_.get());
     status_->Set(StatusBar::kSize, SizeText(*document_));
     OnZoom();
     OnPointer();
