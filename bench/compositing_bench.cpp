@@ -97,6 +97,9 @@ void BlendPixels(benchmark::State& state) {
     add("fusion_multiply",
         [](int first, int second) { return Rastrel_FusionEx(first, second, 0, 0, 0, 0, 0.3, 1); });
     add_copy("fusion_multiply", 3);
+    add("fusion_overlay",
+        [](int first, int second) { return Rastrel_FusionEx(first, second, 0, 0, 0, 0, 0.3, 3); });
+    add_copy("fusion_overlay", 3);
     return true;
 }();
 

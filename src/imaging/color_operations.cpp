@@ -1,9 +1,9 @@
 #include "imaging/color_operations.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
-#include <vector>
 
 #include "imaging/color_operations_kernels.h"
 
@@ -104,20 +104,7 @@ void BrightnessShift::Run(BgrRun a, BgrRun /*b*/, std::uint8_t* out) const {
     }
 }
 
-Blending::Blending(std::optional<Color> key, double weight, BlendMode mode, std::size_t pixels)
-    : key_(key), weight_(weight), mode_(mode) {
-    const bool by_kernel = mode == BlendMode::kNormal && std::isfinite(weight);
-    if (by_kernel || pixels < 256 * 256 / 3) return;
-    auto table = std::make_unique<Table>();
-    for (std::size_t a = 0; a < table->size(); ++a) {
-        for (std::size_t b = 0; b < table->size(); ++b)
-            (*table)[a][b] = Channel(static_cast<std::uint8_t>(a), static_cast<std::uint8_t>(b));
-    }
-    table_ = std::move(table);
-}
-
 std::uint8_t Blending::Channel(std::uint8_t a, std::uint8_t b) const {
-    if (table_) return (*table_)[a][b];
     const double applied = std::clamp(Applied(mode_, a, b), 0.0, 255.0);
     return Truncated(a * (1 - weight_) + applied * weight_);
 }
@@ -131,8 +118,8 @@ std::optional<Color> Blending::At(Color a, Color b) const {
 
 void Blending::BlendBytes(BgrRun a, BgrRun b, std::uint8_t* out) const {
     std::size_t i = 0;
-    if (mode_ == BlendMode::kNormal && std::isfinite(weight_))
-        i = simd::BlendBytes(a.data(), b.data(), a.size(), weight_, out);
+    if (std::isfinite(weight_))
+        i = simd::BlendBytes(a.data(), b.data(), a.size(), weight_, mode_, out);
     for (; i < a.size(); ++i)
         out[i] = Channel(a[i], b[i]);
 }

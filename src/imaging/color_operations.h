@@ -1,9 +1,7 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 
@@ -47,22 +45,18 @@ class BrightnessShift {
 
 class Blending {
   public:
-    /// pixels: how many will be blended, about.
-    Blending(std::optional<Color> key, double weight, BlendMode mode, std::size_t pixels);
+    Blending(std::optional<Color> key, double weight, BlendMode mode)
+        : key_(key), weight_(weight), mode_(mode) {}
     [[nodiscard]] std::optional<Color> At(Color a, Color b) const;
     void Run(BgrRun a, BgrRun b, std::uint8_t* out) const;
 
   private:
-    /// The result for every pair of channels, those of one a together.
-    using Table = std::array<std::array<std::uint8_t, 256>, 256>;
-
     [[nodiscard]] std::uint8_t Channel(std::uint8_t a, std::uint8_t b) const;
     void BlendBytes(BgrRun a, BgrRun b, std::uint8_t* out) const;
 
     std::optional<Color> key_;
     double weight_;
     BlendMode mode_;
-    std::unique_ptr<Table> table_;
 };
 
 class ColorReplacement {

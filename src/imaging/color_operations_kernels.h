@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "imaging/compositing.h"
+
 namespace rastrel::simd {
 
 // Operations on the first pixels, or bytes, of count, in the best instructions that the machine
@@ -21,9 +23,11 @@ using Bgr = std::array<std::uint8_t, 3>;
 [[nodiscard]] std::size_t ShiftBytes(const std::uint8_t* bytes, std::size_t count, int offset,
                                      std::uint8_t* out);
 
-/// Bytes a (1 - weight) + b weight in double precision, truncated and clamped; a finite weight.
+/// Bytes a (1 - weight) + f(a, b) weight in double precision, truncated and clamped, f as the mode
+/// tells; a finite weight.
 [[nodiscard]] std::size_t BlendBytes(const std::uint8_t* a, const std::uint8_t* b,
-                                     std::size_t count, double weight, std::uint8_t* out);
+                                     std::size_t count, double weight, BlendMode mode,
+                                     std::uint8_t* out);
 
 /// Copies pixels of kept to out where the pixel of another run is the key.
 [[nodiscard]] std::size_t KeepWhereKey(const std::uint8_t* other, std::size_t count, const Bgr& key,

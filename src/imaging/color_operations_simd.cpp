@@ -28,11 +28,56 @@ std::size_t ShiftBytes(const std::uint8_t* bytes, std::size_t count, int offset,
     return i;
 }
 
-std::size_t BlendBytes(const std::uint8_t* a, const std::uint8_t* b, std::size_t count,
-                       double weight, std::uint8_t* out) {
-    const hn::ScalableTag<double> d;
-    const hn::Rebind<std::int32_t, decltype(d)> d32;
-    const hn::Rebind<std::uint8_t, decltype(d)> d8;
+using DoubleTag = hn::ScalableTag<double>;
+using Doubles = hn::Vec<DoubleTag>;
+
+/// 255 minus the values.
+HWY_INLINE Doubles Inverted(Doubles values) {
+    return hn::Sub(hn::Set(DoubleTag(), 255.0), values);
+}
+
+/// The quotient is rounded like that of the formula, so there is no factor in its place.
+HWY_INLINE Doubles Product(Doubles a, Doubles b) {
+    return hn::Div(hn::Mul(a, b), hn::Set(DoubleTag(), 255.0));
+}
+
+HWY_INLINE Doubles Overlaid(Doubles a, Doubles b) {
+    const auto is_dark = hn::Lt(a, hn::Set(DoubleTag(), 128.0));
+    const auto other = hn::IfThenElse(is_dark, b, Inverted(b));
+    const auto own = hn::IfThenElse(is_dark, a, Inverted(a));
+    const auto product = Product(hn::Add(own, own), other);
+    return hn::IfThenElse(is_dark, product, Inverted(product));
+}
+
+/// What one byte of a vector is blended with.
+template <BlendMode kMode>
+HWY_INLINE Doubles Applied(Doubles a, Doubles b) {
+    switch (kMode) {
+        case BlendMode::kMultiply:
+            return Product(a, b);
+        case BlendMode::kScreen:
+            return Inverted(Product(Inverted(a), Inverted(b)));
+        case BlendMode::kOverlay:
+            return Overlaid(a, b);
+        case BlendMode::kDarken:
+            return hn::Min(a, b);
+        case BlendMode::kLighten:
+            return hn::Max(a, b);
+        case BlendMode::kDifference:
+            return hn::Abs(hn::Sub(a, b));
+        case BlendMode::kAdd:
+            return hn::Min(hn::Add(a, b), hn::Set(DoubleTag(), 255.0));
+        default:
+            return b;
+    }
+}
+
+template <BlendMode kMode>
+std::size_t BlendBytesBy(const std::uint8_t* a, const std::uint8_t* b, std::size_t count,
+                         double weight, std::uint8_t* out) {
+    const DoubleTag d;
+    const hn::Rebind<std::int32_t, DoubleTag> d32;
+    const hn::Rebind<std::uint8_t, DoubleTag> d8;
     const std::size_t lanes = hn::Lanes(d);
     const auto a_weight = hn::Set(d, 1 - weight);
     const auto b_weight = hn::Set(d, weight);
@@ -40,11 +85,34 @@ std::size_t BlendBytes(const std::uint8_t* a, const std::uint8_t* b, std::size_t
     for (; i + lanes <= count; i += lanes) {
         const auto a_values = hn::PromoteTo(d, hn::PromoteTo(d32, hn::LoadU(d8, a + i)));
         const auto b_values = hn::PromoteTo(d, hn::PromoteTo(d32, hn::LoadU(d8, b + i)));
+        const auto applied = Applied<kMode>(a_values, b_values);
         // Not fused: the rounding of both products is part of the result.
-        const auto sum = hn::Add(hn::Mul(a_values, a_weight), hn::Mul(b_values, b_weight));
+        const auto sum = hn::Add(hn::Mul(a_values, a_weight), hn::Mul(applied, b_weight));
         hn::StoreU(hn::DemoteTo(d8, hn::DemoteTo(d32, sum)), d8, out + i);
     }
     return i;
+}
+
+std::size_t BlendBytes(const std::uint8_t* a, const std::uint8_t* b, std::size_t count,
+                       double weight, BlendMode mode, std::uint8_t* out) {
+    switch (mode) {
+        case BlendMode::kMultiply:
+            return BlendBytesBy<BlendMode::kMultiply>(a, b, count, weight, out);
+        case BlendMode::kScreen:
+            return BlendBytesBy<BlendMode::kScreen>(a, b, count, weight, out);
+        case BlendMode::kOverlay:
+            return BlendBytesBy<BlendMode::kOverlay>(a, b, count, weight, out);
+        case BlendMode::kDarken:
+            return BlendBytesBy<BlendMode::kDarken>(a, b, count, weight, out);
+        case BlendMode::kLighten:
+            return BlendBytesBy<BlendMode::kLighten>(a, b, count, weight, out);
+        case BlendMode::kDifference:
+            return BlendBytesBy<BlendMode::kDifference>(a, b, count, weight, out);
+        case BlendMode::kAdd:
+            return BlendBytesBy<BlendMode::kAdd>(a, b, count, weight, out);
+        default:
+            return BlendBytesBy<BlendMode::kNormal>(a, b, count, weight, out);
+    }
 }
 
 #if HWY_TARGET == HWY_SCALAR
@@ -177,8 +245,8 @@ std::size_t ShiftBytes(const std::uint8_t* bytes, std::size_t count, int offset,
 }
 
 std::size_t BlendBytes(const std::uint8_t* a, const std::uint8_t* b, std::size_t count,
-                       double weight, std::uint8_t* out) {
-    return HWY_DYNAMIC_DISPATCH(BlendBytes)(a, b, count, weight, out);
+                       double weight, BlendMode mode, std::uint8_t* out) {
+    return HWY_DYNAMIC_DISPATCH(BlendBytes)(a, b, count, weight, mode, out);
 }
 
 std::size_t KeepWhereKey(const std::uint8_t* other, std::size_t count, const Bgr& key,

@@ -80,10 +80,6 @@ void Compose(RasterImage& target, const RasterImage& other, const Operation& ope
         ComposePixels(target, other, operation);
 }
 
-std::size_t PixelCount(const RasterImage& raster) {
-    return static_cast<std::size_t>(raster.Width()) * static_cast<std::size_t>(raster.Height());
-}
-
 }  // namespace
 
 bool ApplyMask(RasterImage& target, const RasterImage& mask, bool invert, Color paint) {
@@ -100,7 +96,7 @@ void ShiftBrightness(RasterImage& image, std::optional<Color> key, int offset) {
 bool Blend(RasterImage& first, const RasterImage& second, std::optional<Color> key, double weight,
            BlendMode mode) {
     if (first.PixelSize() != second.PixelSize()) return false;
-    Compose(first, second, Blending(key, weight, mode, PixelCount(first)));
+    Compose(first, second, Blending(key, weight, mode));
     return true;
 }
 
