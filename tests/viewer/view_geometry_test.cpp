@@ -55,6 +55,8 @@ TEST(View, StepsThroughRoundZooms) {
         {1, 0, 1},
         {0.01, 1, 1.0 / 96},
         {0.01, -1, 1.0 / 128},
+        {0.498, 1, 1},
+        {0.51, -1, 1.0 / 3},
     };
     for (const auto& [zoom, steps, expected] : kCases)
         EXPECT_DOUBLE_EQ(NextZoom(zoom, steps), expected) << zoom << ", " << steps;

@@ -35,10 +35,12 @@ double ZoomOnLadder(int number) {
     return number % 2 == 1 ? std::ldexp(1, (number + 1) / 2) : std::ldexp(3, number / 2 - 1);
 }
 
+/// Zooms this near to one on the ladder count as that: a smaller step would hardly be seen.
+constexpr double kHair = 1.0 / 32;
+
 /// The number of the least zoom on the ladder that is not below a zoom.
 int NumberOnLadder(double zoom) {
     constexpr int kMostNumber = 64;  // 3 x 2^31 times: more than any image allows
-    constexpr double kHair = 1e-9;
     int number = -kMostNumber;
     while (number < kMostNumber && ZoomOnLadder(number) < zoom * (1 - kHair))
         ++number;
@@ -46,7 +48,6 @@ int NumberOnLadder(double zoom) {
 }
 
 bool IsOnLadder(double zoom, int number) {
-    constexpr double kHair = 1e-9;
     return ZoomOnLadder(number) <= zoom * (1 + kHair);
 }
 

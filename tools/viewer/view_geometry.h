@@ -65,7 +65,7 @@ constexpr double kMostZoom = 64;
                           ScreenPoint anchor);
 
 /// The next of the zooms 1, 2, 3, 4, 6, 8, 12 ... and their reciprocals that is above (steps > 0)
-/// or below a zoom, and so on for further steps.
+/// or below a zoom, and so on for further steps. A zoom that is nearly one of them counts as it.
 [[nodiscard]] double NextZoom(double zoom, int steps);
 
 /// The view moved on the screen.
