@@ -160,7 +160,7 @@ bool EnterDesktop() {
     return false;
 }
 
-class Session {
+class Watcher {
   public:
     void Answer(const std::vector<std::string>& command) {
         const std::string& verb = command.at(0);
@@ -200,9 +200,9 @@ int main(int argc, char** argv) {
     g_desktop = argv[1];
     const Program shell("explorer.exe /desktop=" + g_desktop + "," + argv[2]);
     if (!EnterDesktop()) return 1;
-    Session session;
+    Watcher watcher;
     for (std::string line; std::getline(std::cin, line);) {
-        session.Answer(Fields(line));
+        watcher.Answer(Fields(line));
         std::printf(".\n");
         std::fflush(stdout);
     }
