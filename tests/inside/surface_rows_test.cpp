@@ -35,7 +35,7 @@ template <class Run>
 void ExpectPixels(const std::vector<std::uint32_t>& pixels, const std::string& what, Run run) {
     const std::size_t bytes = pixels.size() * 4;
     Framed<std::uint8_t> expected(bytes + 1);
-    std::memcpy(expected.Data() + 1, pixels.data(), bytes);
+    if (bytes > 0) std::memcpy(expected.Data() + 1, pixels.data(), bytes);
     ExpectOnEveryTarget(expected, bytes + 1, what,
                         [&](std::uint8_t* out) { run(std::span(out + 1, bytes)); });
 }

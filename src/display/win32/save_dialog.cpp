@@ -52,15 +52,20 @@ class SaveDialog {
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         if (message == WM_INITDIALOG) {
             SetWindowLongPtrA(window, DWLP_USER, lparam);
-            reinterpret_cast<SaveDialog*>(lparam)->Start(window);
+            FromNumber(lparam)->Start(window);
             return TRUE;
         }
-        auto* dialog = reinterpret_cast<SaveDialog*>(GetWindowLongPtrA(window, DWLP_USER));
+        SaveDialog* dialog = FromNumber(GetWindowLongPtrA(window, DWLP_USER));
         if (dialog == nullptr || message != WM_COMMAND) return FALSE;
         return dialog->Command(LOWORD(wparam), HIWORD(wparam));
     }
 
   private:
+    /// The dialog's window hands its owner over as a number.
+    static SaveDialog* FromNumber(LONG_PTR number) {
+        return reinterpret_cast<SaveDialog*>(number);  // NOLINT(performance-no-int-to-ptr)
+    }
+
     void Start(HWND window) {
         window_ = window;
         for (const std::string_view extension : SaveExtensions())
@@ -128,7 +133,7 @@ class SaveDialog {
         chooser.lStructSize = sizeof chooser;
         chooser.hwndOwner = window_;
         chooser.lpstrFilter = filters.c_str();
-        chooser.nFilterIndex = static_cast<DWORD>(Format() + 1);
+        chooser.nFilterIndex = static_cast<DWORD>(Format()) + 1;
         chooser.lpstrFile = name.data();
         chooser.nMaxFile = static_cast<DWORD>(name.size());
         chooser.lpstrTitle = kTitle;
