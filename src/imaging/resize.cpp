@@ -217,6 +217,15 @@ class NearestResize {
     std::vector<std::uint8_t> picked_;
 };
 
+/// Averaging takes several floats for each sample of a row: no more than this many are worked on,
+/// far beyond what any picture has.
+constexpr std::int64_t kMostRowSamples = std::int64_t{1} << 28;
+
+bool RowsAreTooLong(const RasterImage& source, const Rect& part, Size size) {
+    const std::int64_t longest = std::max({part.width, part.height, size.width, size.height});
+    return longest * std::max(source.Bits() / 8, 3) > kMostRowSamples;
+}
+
 /// Pixels a metre, which grow as the pixels do.
 std::int32_t ScaledResolution(std::int32_t resolution, int old_length, int new_length) {
     const std::int64_t scaled =
@@ -236,6 +245,7 @@ bool Resize(const RasterImage& source, const Rect& part, Size size, Resampling w
             RasterImage& result) {
     if (!source.HasPlainRows() || part.IsEmpty() || size.width < 1 || size.height < 1) return false;
     const bool keeps_pixels = way == Resampling::kNearest;
+    if (!keeps_pixels && RowsAreTooLong(source, part, size)) return false;
     if (!(keeps_pixels ? MakeAlike(source, size, result) : MakeSmooth(source, size, result)))
         return false;
     DibHeader header = result.Block().Header();

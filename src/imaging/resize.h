@@ -18,7 +18,8 @@ namespace rastrel {
 /// by their alpha. Sums are of single precision: a value is within 0.001 of the exact one before it
 /// is rounded, halves up.
 ///
-/// False, with result without a block, for run-length data, sizes below 1, and without memory.
+/// False, with result without a block, for run-length data, sizes below 1, averages over sides of
+/// more than 2^28 samples, and without memory.
 [[nodiscard]] bool Resize(const RasterImage& source, const Rect& part, Size size, Resampling way,
                           RasterImage& result);
 

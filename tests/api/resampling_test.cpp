@@ -258,6 +258,8 @@ TEST(Resize, RefusesAndLeavesTheTarget) {
     EXPECT_EQ(Rastrel_Resize(target, empty, 4, 4, 0), 0);
     EXPECT_EQ(Rastrel_Resize(target, -1, 4, 4, 0), 0);
     EXPECT_EQ(Rastrel_Resize(-1, source, 4, 4, 0), 0);
+    const TestImage longest(0x20000000, 1, 1);
+    EXPECT_EQ(Rastrel_Resize(target, longest, 1, 1, kArea), 0);
     EXPECT_EQ(target.Fingerprint(), before);
 }
 
