@@ -78,16 +78,21 @@ class Screen:
         size = f"{SCREEN[0]}x{SCREEN[1]}"
         self.server = subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0",
                                         f"{size}x24", "-nolisten", "tcp"], pass_fds=[writing],
-                                       stderr=subprocess.DEVNULL)
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as numbers:
             self.display = f":{numbers.readline().strip()}"
-        self.environment = dict(os.environ, DISPLAY=self.display, RASTREL_DISPLAY=self.display)
+        self.environment = dict(os.environ, DISPLAY=self.display, RASTREL_DISPLAY=self.display,
+                                RASTREL_WINE_TALKS="1")
         self.folder = tempfile.TemporaryDirectory()
         self.probe = subprocess.Popen([emulator, probe, f"viewer{os.getpid()}", size],
                                       stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                       cwd=self.folder.name, env=self.environment)
-        self.windows()
+        try:
+            self.windows()
+        except BaseException:
+            self.close()
+            raise
 
     def close(self):
         self.probe.stdin.close()
