@@ -139,6 +139,23 @@ class Layer {
     std::vector<std::uint8_t> writes_;
 };
 
+/// Whether every pixel of the source's runs goes into the target as the bytes that it is.
+bool CopiesBytes(const RasterImage& target, const RasterImage& source, const Axis& columns,
+                 const MosaicLimits& limits) {
+    return !limits.key && limits.mask == nullptr && columns.IsConsecutive() &&
+           target.Bits() == 24 && source.Bits() == 24 && IsTrueColor(target) && ReadsByRows(source);
+}
+
+void CopyRows(RasterImage& target, const RasterImage& source, const Axis& columns,
+              const Axis& rows) {
+    const auto from = static_cast<std::size_t>(columns.source.front()) * 3;
+    const auto to = static_cast<std::size_t>(columns.first) * 3;
+    const std::size_t bytes = columns.source.size() * 3;
+    for (std::size_t i = 0; i < rows.source.size(); ++i)
+        std::memcpy(&target.PictureRow(rows.first + static_cast<int>(i))[to],
+                    &source.PictureRow(rows.source[i])[from], bytes);
+}
+
 }  // namespace
 
 bool LayInto(RasterImage& target, const Placement& target_place, const RasterImage& source,
@@ -156,6 +173,10 @@ bool LayInto(RasterImage& target, const Placement& target_place, const RasterIma
         if (limits.mask == &target) other_limits.mask = &copy;
         return LayInto(target, target_place, &source == &target ? copy : source, source_place,
                        other_limits);
+    }
+    if (CopiesBytes(target, source, columns, limits)) {
+        CopyRows(target, source, columns, rows);
+        return true;
     }
     Layer layer(source, columns, limits);
     ColorWriter writer(target);

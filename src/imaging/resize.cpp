@@ -134,22 +134,26 @@ class SmoothResize {
     std::array<KeptRow, kKeptRows> kept_;
 };
 
-/// Picks pixels of a row, meanwhile touching next, where other pixels will be picked.
+/// Picks pixels of a row by their places in bytes, meanwhile touching next, where other pixels will
+/// be picked.
 template <std::size_t kBytes>
 void PickPixels(const std::uint8_t* from, const std::uint8_t* next,
-                std::span<const std::int32_t> columns, std::uint8_t* out) {
+                std::span<const std::uint32_t> places, std::uint8_t* out) {
     // Three bytes are quicker copied as four, of which the last is the next pixel's; every block
     // has more bytes behind its last pixel.
     constexpr std::size_t kCopied = kBytes == 3 ? 4 : kBytes;
     constexpr std::size_t kPixelsATouch = 8;
-    const std::size_t count = columns.size() - 1;
-    const std::int32_t* column = columns.data();
-    for (std::size_t i = 0; i < count; ++i, out += kBytes) {
-        const std::size_t at = static_cast<std::size_t>(column[i]) * kBytes;
-        if (i % kPixelsATouch == 0) __builtin_prefetch(next + at);
-        std::memcpy(out, from + at, kCopied);
+    const std::size_t last = places.size() - 1;
+    const std::uint32_t* at = places.data();
+    std::size_t i = 0;
+    for (; i + kPixelsATouch <= last; i += kPixelsATouch, at += kPixelsATouch) {
+        __builtin_prefetch(next + *at);
+        for (std::size_t k = 0; k < kPixelsATouch; ++k)
+            std::memcpy(out + (i + k) * kBytes, from + at[k], kCopied);
     }
-    std::memcpy(out, from + static_cast<std::size_t>(column[count]) * kBytes, kBytes);
+    for (; i < last; ++i, ++at)
+        std::memcpy(out + i * kBytes, from + *at, kCopied);
+    std::memcpy(out + last * kBytes, from + *at, kBytes);
 }
 
 /// Fills an image of the source's depth with the source pixels nearest to its own.
@@ -159,10 +163,12 @@ class NearestResize {
         : source_(source),
           part_(part),
           rows_(NearestPixels(part.height, size.height)),
-          columns_(NearestPixels(part.width, size.width)) {
+          pixel_bytes_(static_cast<std::uint32_t>(std::max(source.Bits(), 8)) / 8) {
+        for (const std::int32_t column : NearestPixels(part.width, size.width))
+            places_.push_back(static_cast<std::uint32_t>(column) * pixel_bytes_);
         if (source.Bits() >= 8) return;
         indices_.resize(static_cast<std::size_t>(part.width));
-        picked_.resize(columns_.size());
+        picked_.resize(places_.size());
     }
 
     void To(const RasterImage& result) {
@@ -185,26 +191,25 @@ class NearestResize {
                  std::span<std::uint8_t> out) {
         if (source_.Bits() < 8) {
             UnpackIndices(from, source_.Bits(), part_.x, indices_);
-            PickPixels<1>(indices_.data(), indices_.data(), columns_, picked_.data());
+            PickPixels<1>(indices_.data(), indices_.data(), places_, picked_.data());
             PackIndices(picked_, source_.Bits(), out);
             return;
         }
-        const auto pixel_bytes = static_cast<std::size_t>(source_.Bits()) / 8;
-        const std::size_t left = static_cast<std::size_t>(part_.x) * pixel_bytes;
+        const std::size_t left = static_cast<std::size_t>(part_.x) * pixel_bytes_;
         const std::uint8_t* first = from.data() + left;
         const std::uint8_t* first_next = next.data() + left;
-        switch (pixel_bytes) {
+        switch (pixel_bytes_) {
             case 1:
-                PickPixels<1>(first, first_next, columns_, out.data());
+                PickPixels<1>(first, first_next, places_, out.data());
                 break;
             case 2:
-                PickPixels<2>(first, first_next, columns_, out.data());
+                PickPixels<2>(first, first_next, places_, out.data());
                 break;
             case 3:
-                PickPixels<3>(first, first_next, columns_, out.data());
+                PickPixels<3>(first, first_next, places_, out.data());
                 break;
             default:
-                PickPixels<4>(first, first_next, columns_, out.data());
+                PickPixels<4>(first, first_next, places_, out.data());
                 break;
         }
     }
@@ -212,7 +217,8 @@ class NearestResize {
     const RasterImage& source_;
     Rect part_;
     std::vector<std::int32_t> rows_;
-    std::vector<std::int32_t> columns_;
+    std::uint32_t pixel_bytes_;
+    std::vector<std::uint32_t> places_;  ///< of the pixels in a row, in bytes
     std::vector<std::uint8_t> indices_;
     std::vector<std::uint8_t> picked_;
 };

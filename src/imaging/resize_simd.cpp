@@ -189,6 +189,11 @@ struct RowPair {
     explicit RowPair(const WeighedRows<std::uint8_t>& from)
         : rows{from.rows[0], from.rows[1]}, weights{from.weights[0], from.weights[1]} {}
 
+    void WeighTwoSquares(std::size_t at, std::size_t at_second, const float* column_weights,
+                         std::uint8_t* out) const {
+        WeighSquare(at, column_weights, out);
+        WeighSquare(at_second, column_weights + 2, out + 3);
+    }
     void WeighSquare(std::size_t at, const float* column_weights, std::uint8_t* out) const {
         for (std::size_t c = at; c < at + 3; ++c, ++out) {
             const float left = BetweenRows(c) * column_weights[0];
@@ -218,24 +223,47 @@ class RowPair {
     /// Writes four bytes, of which the last is the next pixel's.
     HWY_INLINE void WeighSquare(std::size_t at, const float* column_weights,
                                 std::uint8_t* out) const {
-        const hn::FixedTag<float, 4> pixel;
+        StoreAsBytes(PixelTag(), Weighed(at, column_weights), out);
+    }
+
+    /// Two pixels; writes eight bytes, of which the last two are the next pixel's.
+    HWY_INLINE void WeighTwoSquares(std::size_t at, std::size_t at_second,
+                                    const float* column_weights, std::uint8_t* out) const {
 #if HWY_MAX_BYTES >= 32
-        const auto both = BetweenRows(at);
-        const auto left = hn::LowerHalf(pixel, both);
-        // The second pixel begins with lane 3.
-        alignas(32) constexpr std::int32_t kSecondPixel[8] = {3, 4, 5, 6, 7, 7, 7, 7};
-        const auto right = hn::LowerHalf(
-            pixel, hn::TableLookupLanes(both, hn::SetTableIndices(Tag(), kSecondPixel)));
+        const hn::Rebind<std::int32_t, Tag> d32;
+        const hn::Rebind<std::uint8_t, Tag> d8;
+        const auto both =
+            hn::Combine(Tag(), Weighed(at_second, column_weights + 2), Weighed(at, column_weights));
+        const auto rounded = hn::ConvertTo(d32, hn::Add(both, hn::Set(Tag(), 0.5F)));
+        alignas(8) constexpr std::uint8_t kThreeOfFour[8] = {0, 1, 2, 4, 5, 6, 7, 7};
+        hn::StoreU(hn::TableLookupBytes(hn::DemoteTo(d8, rounded), hn::Load(d8, kThreeOfFour)), d8,
+                   out);
 #else
-        const auto left = BetweenRows(at);
-        const auto right = BetweenRows(at + 3);
+        WeighSquare(at, column_weights, out);
+        WeighSquare(at_second, column_weights + 2, out + 3);
 #endif
-        const auto value = hn::Mul(left, hn::Set(pixel, column_weights[0]));
-        StoreAsBytes(pixel, AddWeighed(pixel, value, right, column_weights[1]), out);
     }
 
   private:
     using Tag = hn::FixedTag<float, HWY_MAX_BYTES >= 32 ? 8 : 4>;
+    using PixelTag = hn::FixedTag<float, 4>;
+
+    HWY_INLINE hn::Vec<PixelTag> Weighed(std::size_t at, const float* column_weights) const {
+        const PixelTag d;
+#if HWY_MAX_BYTES >= 32
+        const auto both = BetweenRows(at);
+        const auto left = hn::LowerHalf(d, both);
+        // The second pixel begins with lane 3.
+        alignas(32) constexpr std::int32_t kSecondPixel[8] = {3, 4, 5, 6, 7, 7, 7, 7};
+        const auto right =
+            hn::LowerHalf(d, hn::TableLookupLanes(both, hn::SetTableIndices(Tag(), kSecondPixel)));
+#else
+        const auto left = BetweenRows(at);
+        const auto right = BetweenRows(at + 3);
+#endif
+        return AddWeighed(d, hn::Mul(left, hn::Set(d, column_weights[0])), right,
+                          column_weights[1]);
+    }
 
     HWY_INLINE hn::Vec<Tag> BetweenRows(std::size_t at) const {
         return hn::Add(hn::Mul(LoadAsFloats(Tag(), above_ + at), above_weight_),
@@ -258,19 +286,23 @@ void WeighSquares(const WeighedRows<std::uint8_t>& two_rows, const std::uint8_t*
     const std::uint8_t* const next_below = next_rows[1];
     const std::int32_t* first = columns.first;
     const float* weights = columns.weights;
+    const auto place = [first](std::size_t i) HWY_ATTR {
+        return std::size_t{3} * static_cast<std::uint32_t>(first[i]);
+    };
     constexpr std::size_t kPixelsATouch = 8;
-    for (std::size_t i = 0; i + 1 < count; ++i, out += 3) {
-        const auto at = static_cast<std::size_t>(first[i]) * 3;
-        if (i % kPixelsATouch == 0) {
-            __builtin_prefetch(next_above + at);
-            __builtin_prefetch(next_below + at);
-        }
-        pair.WeighSquare(at, weights + 2 * i, out);
+    std::size_t i = 0;
+    for (; i + kPixelsATouch < count; i += kPixelsATouch) {
+        __builtin_prefetch(next_above + place(i));
+        __builtin_prefetch(next_below + place(i));
+        for (std::size_t k = i; k < i + kPixelsATouch; k += 2)
+            pair.WeighTwoSquares(place(k), place(k + 1), weights + 2 * k, out + 3 * k);
     }
+    for (; i + 1 < count; ++i)
+        pair.WeighSquare(place(i), weights + 2 * i, out + 3 * i);
     std::uint8_t last[4];
     pair.WeighSquare(static_cast<std::size_t>(first[count - 1]) * 3, weights + 2 * (count - 1),
                      last);
-    std::copy_n(last, 3, out);
+    std::copy_n(last, 3, out + 3 * (count - 1));
 }
 
 }  // namespace rastrel::simd::HWY_NAMESPACE
