@@ -324,7 +324,12 @@ TEST(TiffRead, InformationCountsTheBitsOfAllSamples) {
         int samples;
         int depth;
     };
-    for (const Case& c : {Case{1, 1, 1}, {8, 1, 8}, {8, 3, 24}, {16, 4, 64}, {12, 2, 24}}) {
+    for (const Case& c : {Case{1, 1, 1},
+                          {8, 1, 8},
+                          {8, 3, 24},
+                          {16, 4, 64},
+                          {12, 2, 24},
+                          {63752, 60099, 0x7fffffff}}) {
         const TiffRecipe recipe(3, 2, c.bits, c.samples, kMinIsBlack, Bytes(48));
         int width = 0;
         int height = 0;

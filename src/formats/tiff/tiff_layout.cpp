@@ -250,9 +250,12 @@ TiffSampleKind ReadTiffSampleKind(const std::string& name) {
 bool ReadTiffInfo(const TiffInput& file, ImageInfo& info) {
     Size size;
     if (!ReadSize(file, size)) return false;
-    const auto bits = file.Field<std::uint16_t>(TIFFTAG_BITSPERSAMPLE);
-    const auto samples = file.Field<std::uint16_t>(TIFFTAG_SAMPLESPERPIXEL);
-    info = {size.width, size.height, samples > 1 ? bits * samples : int{bits}};
+    const std::uint32_t bits = file.Field<std::uint16_t>(TIFFTAG_BITSPERSAMPLE);
+    const std::uint32_t samples = file.Field<std::uint16_t>(TIFFTAG_SAMPLESPERPIXEL);
+    // No image has as many bits as the tags can say.
+    constexpr std::uint32_t kMostBits = std::numeric_limits<std::int32_t>::max();
+    info = {size.width, size.height,
+            static_cast<int>(std::min(bits * std::max(samples, 1U), kMostBits))};
     return true;
 }
 
