@@ -61,6 +61,15 @@ bool HasThreeChannels(ByteSource& source) {
            head[13] == 3;
 }
 
+/// The decoder works on Softimage files in four channels. Asked for less it converts them even when
+/// it could not decode the file, and has none.
+bool IsSoftimage(ByteSource& source) {
+    constexpr std::array<std::uint8_t, 4> kMagic = {0x53, 0x80, 0xf6, 0x34};
+    std::array<std::uint8_t, 4> head = {};
+    source.Seek(0);
+    return source.Read(head) == head.size() && head == kMagic;
+}
+
 /// The greatest sample that a binary PGM or PPM file states; 0 for other files.
 int GreatestPnmSample(ByteSource& source) {
     std::array<char, 256> head = {};
@@ -108,11 +117,14 @@ std::optional<Layout> ReadLayout(ByteSource& source) {
     return layout;
 }
 
-/// A row of decoded samples as stored pixels.
-void StoreRow(const std::uint8_t* samples, const Layout& layout, std::span<std::uint8_t> row) {
+/// A row of decoded samples as stored pixels; there may be a fourth channel that the layout lacks.
+void StoreRow(const std::uint8_t* samples, int sample_channels, const Layout& layout,
+              std::span<std::uint8_t> row) {
     const auto width = static_cast<std::size_t>(layout.width);
     if (layout.channels == 1) {
         std::copy_n(samples, width, row.begin());
+    } else if (layout.channels == 3 && sample_channels == 4) {
+        Bgr24FromRgba32({samples, 4 * width}, row.first(3 * width));
     } else if (layout.channels == 3) {
         SwapRedBlue24({samples, 3 * width}, row.first(3 * width));
     } else {
@@ -139,19 +151,20 @@ bool OtherImage::ReadFrom(ByteSource& source) {
     const auto layout = ReadLayout(source);
     if (!layout) return false;
     Layout decoded;
+    const int sample_channels = IsSoftimage(source) ? 4 : layout->channels;
     source.Seek(0);
     const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> samples(
         stbi_load_from_callbacks(&kStream, &source, &decoded.width, &decoded.height,
-                                 &decoded.channels, layout->channels),
+                                 &decoded.channels, sample_channels),
         &stbi_image_free);
     if (!samples || decoded.width != layout->width || decoded.height != layout->height)
         return false;
     RasterImage image;
     if (!image.Create(layout->width, layout->height, BitsOf(*layout), -1)) return false;
     const std::size_t row_bytes =
-        static_cast<std::size_t>(layout->width) * static_cast<std::size_t>(layout->channels);
+        static_cast<std::size_t>(layout->width) * static_cast<std::size_t>(sample_channels);
     for (int y = 0; y < layout->height; ++y)
-        StoreRow(samples.get() + static_cast<std::size_t>(y) * row_bytes, *layout,
+        StoreRow(samples.get() + static_cast<std::size_t>(y) * row_bytes, sample_channels, *layout,
                  image.PictureRow(y));
     if (layout->channels == 1) image.SetPalette(Palette::Grey());
     TakeOver(image);
