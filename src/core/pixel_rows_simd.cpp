@@ -14,26 +14,14 @@
 #include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
+#include "core/byte_table-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace rastrel::simd::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_AVX3_DL
-
-/// A table of 256 bytes in four registers.
-struct ByteTable {
-    explicit ByteTable(const ValueColors::Table& bytes)
-        : part{_mm512_loadu_si512(bytes.data()), _mm512_loadu_si512(bytes.data() + 64),
-               _mm512_loadu_si512(bytes.data() + 128), _mm512_loadu_si512(bytes.data() + 192)} {}
-    /// Two look-ups in 128 entries each, by an index's low seven bits; its top bit chooses.
-    [[nodiscard]] __m512i LookUp(__m512i indices, __mmask64 top_bits) const {
-        const __m512i low = _mm512_permutex2var_epi8(part[0], indices, part[1]);
-        const __m512i high = _mm512_permutex2var_epi8(part[2], indices, part[3]);
-        return _mm512_mask_blend_epi8(top_bits, low, high);
-    }
-    __m512i part[4];
-};
 
 /// Where the 64 bytes of one of three output registers come from when three registers of one
 /// channel each are interleaved: blue and green by one permutation of two registers, red by another
@@ -64,9 +52,9 @@ constexpr std::array<Interleaving, 3> MakeInterleavings() {
 std::size_t ExpandTo24(const std::uint8_t* indices, const ValueColors& colors, std::size_t count,
                        std::uint8_t* out) {
     static constexpr std::array<Interleaving, 3> kInterleavings = MakeInterleavings();
-    const ByteTable blue(colors.blue);
-    const ByteTable green(colors.green);
-    const ByteTable red(colors.red);
+    const ByteTable blue(colors.blue.data());
+    const ByteTable green(colors.green.data());
+    const ByteTable red(colors.red.data());
     std::size_t done = 0;
     for (; count - done >= 64; done += 64, out += 192) {
         const __m512i index = _mm512_loadu_si512(indices + done);
